@@ -15,6 +15,7 @@
 #define SYNTHCALL_TOOLKIT_STR_H
 
 #include <iosfwd>
+#include <memory>
 
 class Str {
  public:
@@ -55,7 +56,7 @@ class Str {
   // Access.
   long Length() const { return length; }
   char* String() const { return string; }
-  operator char*() const { return string; }  // NOLINT(google-explicit-constructor)
+  operator char*() const { return string; }    // NOLINT(google-explicit-constructor)
   operator char() const { return string[0]; }  // NOLINT(google-explicit-constructor)
   char Get(long i) const;
   char Put(char c, long i);
@@ -278,11 +279,22 @@ class Str {
   long length;   // characters before the terminator
   long size;     // bytes allocated, terminator included
 
+  // Sizes and lengths stay within 32 bits; a larger request is refused with AlError before any
+  // allocation is tried.
+  static constexpr long kMaxSize = 0x7FFFFFFF;
+
   // Buffer helpers. Each allocates the new buffer before releasing the old one, so a refused
   // allocation (AlError) leaves the string as it was.
+  static char* NewBuffer(long bytes);    // AlError when refused or out of range
+  void Adopt(char* buffer, long bytes);  // frees the old buffer
+  // Append rule: makes size > newLength, doubling; the old buffer is handed back so that a source
+  // inside it stays readable until the caller has copied it.
+  std::unique_ptr<char[]> MakeRoom(long newLength);
   void Reallocate(long newSize, bool keepText);
   void AssignText(const char* text, long n);  // operator= rule
   void CopyText(const char* text, long n);    // Copy rule
+  // Worker of the two above: a new buffer of exactly n + 1 bytes, or the old one reused.
+  void SetText(const char* text, long n, bool newBuffer);
   // Append rule: AppendBytes is the worker of the whole Append family.
   void AppendTokenText(const char* text, long n, char sep);
   void CopyTokenText(const char* text, long n, char sep);
@@ -294,9 +306,7 @@ class Str {
   void TextField(const char* text, long n, long width, const char* format, bool append);
   void NumberField(const char* text, long n, long width, const char* format, bool append,
                    bool isDouble);
-  void LineText(const char* text, long n);
-  void PlaceField(const char* field, long n, bool append);
-  void TakePart(const char* text, long n);
+  void OpenField(long fieldWidth, char fill, bool append);  // fill characters to place a value on
 
   friend Str operator+(const char* x, const Str& s);
   friend Str operator+(char c, const Str& s);
@@ -377,6 +387,10 @@ class Parser {
 
   bool AtEnd() const { return *position == '\0'; }
   char* Start() const { return source->String(); }
+  long Offset() const { return position - Start(); }
+  void SkipWhite();
+  void SkipToChar(char c);  // stops on c or on the terminator
+  bool CompareText(const char* s, long n) const;
   bool ContainsText(const char* s, long n);
   static void Take(Str& t, const char* from, long n);
 };

@@ -1,0 +1,437 @@
+// Str core: storage and growth, construction, access, assignment, Copy, Append, number text and
+// the three errors.
+#include "toolkit/str.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// Powers of ten up to 10^22 are exact doubles, so a scale built by repeated multiplication is
+// exact up to there; past it the value is scaled in extended precision instead.
+constexpr int kExactPowers = 22;
+
+// Significant digits produced before rounding; 15 survive.
+constexpr int kProducedDigits = 16;
+constexpr int kKeptDigits = 15;
+
+// Plain layout is used for decimal exponents in this range, scientific layout outside it.
+constexpr int kLowestPlainExponent = -6;
+constexpr int kHighestPlainExponent = 15;
+
+int PutLiteral(const char* literal, char* text) {
+  long n = std::strlen(literal);
+  std::memcpy(text, literal, n + 1);
+  return static_cast<int>(n);
+}
+
+// Brings magnitude into [1, 10) and returns its decimal exponent. Within the exact powers of ten
+// the scale is built by repeated multiplication and applied in one division or multiplication, so
+// the usual values come out exactly; a rounding slip to just outside the range is corrected.
+int Normalise(double magnitude, double* x) {
+  int e = 0;
+  double scale = 1;
+  double y = magnitude;
+  while (y >= 10 && e < kExactPowers) {
+    ++e;
+    scale *= 10;
+    y = magnitude / scale;
+  }
+  if (magnitude < 1) {
+    while (y < 1 && e > -kExactPowers) {
+      --e;
+      scale *= 10;
+      y = magnitude * scale;
+    }
+  }
+  if (y >= 10 || y < 1) {
+    e = static_cast<int>(std::floor(std::log10(magnitude)));
+    y = static_cast<double>(static_cast<long double>(magnitude) * std::pow(10.0L, -e));
+  }
+  if (y < 1) {
+    y *= 10;
+    --e;
+  } else if (y >= 10) {
+    y /= 10;
+    ++e;
+  }
+  *x = y;
+  return e;
+}
+
+// Writes the significant digits of x (1 <= x < 10) rounded on the 16th, at most 15 and at least
+// one, and returns their count. An all-nines carry becomes "1" and raises *e.
+int SignificantDigits(double x, char* digits, int* e) {
+  int produced[kProducedDigits];
+  for (int& digit : produced) {
+    digit = static_cast<int>(x);
+    if (digit < 0) digit = 0;
+    if (digit > 9) digit = 9;
+    x = (x - digit) * 10;
+  }
+  int count = kKeptDigits;
+  if (produced[kKeptDigits] < 5) {
+    while (count > 1 && produced[count - 1] == 0) --count;
+  } else {
+    while (count > 0 && produced[count - 1] == 9) --count;
+    if (count == 0) {
+      produced[0] = 1;
+      count = 1;
+      ++*e;
+    } else {
+      ++produced[count - 1];
+    }
+  }
+  for (int i = 0; i < count; ++i) digits[i] = static_cast<char>('0' + produced[i]);
+  return count;
+}
+
+// "d.ddd" then "e", the exponent's sign, its hundreds digit when not 0, tens and units.
+int ScientificLayout(const char* digits, int count, int e, char* out) {
+  int n = 0;
+  out[n++] = digits[0];
+  out[n++] = '.';
+  for (int i = 1; i < count; ++i) out[n++] = digits[i];
+  out[n++] = 'e';
+  out[n++] = e < 0 ? '-' : '+';
+  int magnitude = e < 0 ? -e : e;
+  if (magnitude >= 100) out[n++] = static_cast<char>('0' + magnitude / 100);
+  out[n++] = static_cast<char>('0' + magnitude / 10 % 10);
+  out[n++] = static_cast<char>('0' + magnitude % 10);
+  out[n] = '\0';
+  return n;
+}
+
+// Plain decimal layout. `sign` is 0 or 1 characters already written in front of `out`; a whole
+// number is cut at the digit count counted from the start of the result, so a negative whole
+// number loses its last digit ("-123" becomes "-12"). That quirk is relied on and kept.
+int PlainLayout(const char* digits, int count, int e, int sign, char* out) {
+  char* text = out + sign;
+  int n = 0;
+  if (e < 0) {
+    text[n++] = '0';
+    text[n++] = '.';
+    for (int i = -1; i > e; --i) text[n++] = '0';
+    for (int i = 0; i < count; ++i) text[n++] = digits[i];
+    text[n] = '\0';
+    return sign + n;
+  }
+  for (int i = 0; i < count; ++i) text[n++] = digits[i];
+  for (; n <= e; ++n) text[n] = '0';
+  if (n > e + 1) {
+    std::memmove(text + e + 2, text + e + 1, n - e - 1);
+    text[e + 1] = '.';
+    ++n;
+    text[n] = '\0';
+    return sign + n;
+  }
+  out[n] = '\0';
+  return n;
+}
+
+}  // namespace
+
+// ---- Errors ---------------------------------------------------------------------------------
+
+void Str::AlError() { throw "ERROR: String can not be allocated."; }
+void Str::RaError() { throw "ERROR: String position is out of range"; }
+void Str::NvError() { throw "ERROR: String parameter is invalid"; }
+
+// ---- Number to text -------------------------------------------------------------------------
+
+// The magnitude is taken in unsigned arithmetic, so the most negative long comes out right.
+int Str::ConvertInteger(long value, char* text) {
+  unsigned long magnitude =
+      value < 0 ? 0UL - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+  char reversed[kNumberTextSize];
+  int count = 0;
+  do {
+    reversed[count++] = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  int n = 0;
+  if (value < 0) text[n++] = '-';
+  while (count > 0) text[n++] = reversed[--count];
+  text[n] = '\0';
+  return n;
+}
+
+int Str::ConvertFloat(double value, char* text) {
+  if (std::isnan(value)) return PutLiteral("nan", text);
+  if (value == 0) return PutLiteral("0", text);
+  int sign = 0;
+  if (value < 0) {
+    text[sign++] = '-';
+    value = -value;
+  }
+  if (std::isinf(value)) return sign + PutLiteral("inf", text + sign);
+  double x;
+  int e = Normalise(value, &x);
+  char digits[kProducedDigits];
+  int count = SignificantDigits(x, digits, &e);
+  if (e < kLowestPlainExponent || e > kHighestPlainExponent) {
+    return sign + ScientificLayout(digits, count, e, text + sign);
+  }
+  return PlainLayout(digits, count, e, sign, text);
+}
+
+// ---- Buffer helpers -------------------------------------------------------------------------
+
+char* Str::NewBuffer(long bytes) {
+  if (bytes < 1 || bytes > kMaxSize) AlError();
+  char* buffer = new (std::nothrow) char[bytes];
+  if (buffer == nullptr) AlError();
+  return buffer;
+}
+
+void Str::Adopt(char* buffer, long bytes) {
+  delete[] string;
+  string = buffer;
+  size = bytes;
+}
+
+std::unique_ptr<char[]> Str::MakeRoom(long newLength) {
+  if (newLength > kMaxSize - 1) AlError();
+  if (size > newLength) return nullptr;
+  long bytes = newLength > kMaxSize / 2 ? kMaxSize : 2 * newLength;
+  char* buffer = NewBuffer(bytes);
+  std::memcpy(buffer, string, length + 1);
+  std::unique_ptr<char[]> old(string);
+  string = buffer;
+  size = bytes;
+  return old;
+}
+
+void Str::Reallocate(long newSize, bool keepText) {
+  char* buffer = NewBuffer(newSize);
+  long kept = 0;
+  if (keepText) {
+    kept = length < newSize - 1 ? length : newSize - 1;
+    std::memcpy(buffer, string, kept);
+  }
+  buffer[kept] = '\0';
+  Adopt(buffer, newSize);
+  length = kept;
+}
+
+// Assignment fits the buffer to the text exactly; Copy only grows it.
+void Str::AssignText(const char* text, long n) { SetText(text, n, size != n + 1); }
+void Str::CopyText(const char* text, long n) { SetText(text, n, size <= n); }
+
+// The source may lie inside this string's own buffer: it is read before the old buffer is freed,
+// and moved with memmove when the buffer stays.
+void Str::SetText(const char* text, long n, bool newBuffer) {
+  if (n > kMaxSize - 1) AlError();
+  if (newBuffer) {
+    char* buffer = NewBuffer(n + 1);
+    std::memcpy(buffer, text, n);
+    Adopt(buffer, n + 1);
+  } else {
+    std::memmove(string, text, n);
+  }
+  string[n] = '\0';
+  length = n;
+}
+
+// ---- Construction ---------------------------------------------------------------------------
+
+Str::Str() : string(NewBuffer(1)), length(0), size(1) { string[0] = '\0'; }
+
+Str::Str(int n) : Str(static_cast<long>(n)) {}
+
+Str::Str(long n) : string(nullptr), length(0), size(n < 0 || n >= kMaxSize ? 1 : n + 1) {
+  if (n >= kMaxSize) AlError();
+  string = NewBuffer(size);
+  string[0] = '\0';
+}
+
+Str::Str(const Str& s) : string(NewBuffer(s.size)), length(s.length), size(s.size) {
+  std::memcpy(string, s.string, length + 1);
+}
+
+Str::Str(const Str* s) : Str(*s) {}
+
+Str::Str(const char* s) : string(nullptr), length(std::strlen(s)), size(length + 1) {
+  string = NewBuffer(size);
+  std::memcpy(string, s, size);
+}
+
+Str::Str(char c) : string(NewBuffer(2)), length(1), size(2) {
+  string[0] = c;
+  string[1] = '\0';
+}
+
+// A negative count makes an empty string, as Str(long) does.
+Str::Str(char c, long n) : Str(n) {
+  if (n < 0) return;
+  std::memset(string, c, n);
+  string[n] = '\0';
+  length = n;
+}
+
+Str::~Str() { delete[] string; }
+
+// ---- Size management ------------------------------------------------------------------------
+
+void Str::Clear() {
+  length = 0;
+  string[0] = '\0';
+}
+
+void Str::SetSize() {
+  if (length + 1 < size) Reallocate(length + 1, true);
+}
+
+void Str::SetSize(long n) {
+  if (n < 1) NvError();
+  if (n != size) Reallocate(n, true);
+}
+
+void Str::SetLength(long n) {
+  if (size > n) return;
+  if (n > kMaxSize - 1) AlError();
+  Reallocate(n + 1, true);
+}
+
+// ---- Access ---------------------------------------------------------------------------------
+
+char Str::Get(long i) const {
+  if (i < 0 || i >= length) RaError();
+  return string[i];
+}
+
+char Str::Put(char c, long i) {
+  if (i < 0 || i >= length) RaError();
+  string[i] = c;
+  return c;
+}
+
+bool Str::HasContent() const {
+  for (long i = 0; i < length; ++i) {
+    if (!std::isspace(static_cast<unsigned char>(string[i]))) return true;
+  }
+  return false;
+}
+
+bool Str::operator==(const char* s) const { return std::strcmp(string, s) == 0; }
+
+int Str::ToInteger() const { return std::atoi(string); }
+
+// [+-] (digits [. digits] | . digits) [(e|E) [+-] digits], then the end or white space.
+bool Str::IsNumber() const {
+  const unsigned char* p = reinterpret_cast<const unsigned char*>(string);
+  auto skipDigits = [&p]() {
+    const unsigned char* start = p;
+    while (std::isdigit(*p)) ++p;
+    return p > start;
+  };
+  if (*p == '+' || *p == '-') ++p;
+  bool whole = skipDigits();
+  if (*p == '.') {
+    ++p;
+    if (!skipDigits()) return false;
+  } else if (!whole) {
+    return false;
+  }
+  if (*p == 'e' || *p == 'E') {
+    ++p;
+    if (*p == '+' || *p == '-') ++p;
+    if (!skipDigits()) return false;
+  }
+  return *p == '\0' || std::isspace(*p);
+}
+
+// ---- Assignment -----------------------------------------------------------------------------
+
+// Assignment makes the buffer fit the new text exactly.
+Str& Str::operator=(const Str& s) {
+  AssignText(s.string, s.length);
+  return *this;
+}
+
+Str& Str::operator=(const char* s) {
+  AssignText(s, std::strlen(s));
+  return *this;
+}
+
+Str& Str::operator=(char c) {
+  AssignText(&c, 1);
+  return *this;
+}
+
+Str& Str::operator=(long n) {
+  char text[kNumberTextSize];
+  AssignText(text, ConvertInteger(n, text));
+  return *this;
+}
+
+Str& Str::operator=(double x) {
+  char text[kNumberTextSize];
+  AssignText(text, ConvertFloat(x, text));
+  return *this;
+}
+
+// Copy reuses the buffer when the text fits; Copy(char) thereby never reallocates a buffer of two
+// bytes or more, and a one-byte buffer grows to exactly two.
+void Str::Copy(const Str& s) { CopyText(s.string, s.length); }
+void Str::Copy(const Str* s) { CopyText(s->string, s->length); }
+void Str::Copy(const char* s) { CopyText(s, std::strlen(s)); }
+void Str::Copy(char c) { CopyText(&c, 1); }
+
+void Str::Copy(long n) {
+  char text[kNumberTextSize];
+  CopyText(text, ConvertInteger(n, text));
+}
+
+void Str::Copy(double x) {
+  char text[kNumberTextSize];
+  CopyText(text, ConvertFloat(x, text));
+}
+
+void Str::Copy(const char* s, long n) {
+  if (n < 0) NvError();
+  CopyText(s, n);
+}
+
+// ---- Append ---------------------------------------------------------------------------------
+
+// Append doubles the buffer when the new text does not fit; AppendBytes does the work.
+void Str::Append(const Str& s) { AppendBytes(s.string, s.length); }
+void Str::Append(const Str* s) { AppendBytes(s->string, s->length); }
+void Str::Append(const char* s) { AppendBytes(s, std::strlen(s)); }
+void Str::Append(char c) { AppendBytes(&c, 1); }
+
+void Str::Append(long n) {
+  char text[kNumberTextSize];
+  AppendBytes(text, ConvertInteger(n, text));
+}
+
+void Str::Append(double x) {
+  char text[kNumberTextSize];
+  AppendBytes(text, ConvertFloat(x, text));
+}
+
+void Str::AppendBytes(const char* bytes, long n) {
+  if (n < 0) NvError();
+  if (n > kMaxSize - 1 - length) AlError();
+  std::unique_ptr<char[]> old = MakeRoom(length + n);
+  std::memmove(string + length, bytes, n);
+  length += n;
+  string[length] = '\0';
+}
+
+void Str::AppendToken(const char* x) { AppendTokenText(x, std::strlen(x), ' '); }
+
+// The separator counts in the new length that decides the growth.
+void Str::AppendTokenText(const char* text, long n, char sep) {
+  if (n < 0) NvError();
+  if (n > kMaxSize - 2 - length) AlError();
+  std::unique_ptr<char[]> old = MakeRoom(length + n + 1);
+  std::memmove(string + length, text, n);
+  length += n;
+  string[length++] = sep;
+  string[length] = '\0';
+}

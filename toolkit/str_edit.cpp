@@ -1,0 +1,490 @@
+// Str editing: parts of other texts, ranges and lines, += and +, inserting and overwriting,
+// deleting, whole-text changes and copying out.
+//
+// Every check comes before any change, in this order: the count (a negative count is the
+// parameter error), then the position, then the allocation.
+#include <cctype>
+#include <cstring>
+#include <functional>
+
+#include "toolkit/str.h"
+
+namespace {
+
+long Counted(long n) {
+  if (n < 0) Str::NvError();
+  return n;
+}
+
+// A position from 0 up to `last` inclusive; anything else is the position error.
+long Within(long pos, long last) {
+  if (pos < 0 || pos > last) Str::RaError();
+  return pos;
+}
+
+bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+
+// True when p points into the buffer [begin, begin + size); such a source moves under an insert.
+bool Overlaps(const char* begin, long size, const char* p) {
+  std::less_equal<const char*> before;
+  return before(begin, p) && !before(begin + size, p);
+}
+
+// A run of characters taken from a source text.
+struct Part {
+  const char* text;
+  long n;
+};
+
+// n characters of text from pos, pos being at most `last`. A count larger than what remains is
+// cut to it; with zeroMeansAll a count of 0 takes everything that remains.
+Part Range(const char* text, long length, long pos, long n, long last, bool zeroMeansAll) {
+  Counted(n);
+  Within(pos, last);
+  long remaining = length - pos;
+  if ((n == 0 && zeroMeansAll) || n > remaining) n = remaining;
+  return Part{text + pos, n};
+}
+
+// The first n characters; 0 takes all.
+Part Left(const char* text, long length, long n) { return Range(text, length, 0, n, length, true); }
+
+// The last n characters; 0 takes all.
+Part Right(const char* text, long length, long n) {
+  Part left = Left(text, length, n);
+  return Part{text + length - left.n, left.n};
+}
+
+// The number's text in a caller's buffer of Str::kNumberTextSize bytes.
+Part Number(long value, char* text) { return Part{text, Str::ConvertInteger(value, text)}; }
+Part Number(double value, char* text) { return Part{text, Str::ConvertFloat(value, text)}; }
+
+Str Joined(const char* text, long n, const Str& s) {
+  Str joined(n + s.Length());
+  joined.AppendBytes(text, n);
+  joined.AppendBytes(s.String(), s.Length());
+  return joined;
+}
+
+}  // namespace
+
+// ---- Taking parts ---------------------------------------------------------------------------
+
+// The receiving text is replaced by the Copy rule: the buffer only grows.
+void Str::CopyLeft(const Str& x, long n) {
+  Part part = Left(x.string, x.length, n);
+  CopyText(part.text, part.n);
+}
+void Str::CopyLeft(const Str* x, long n) { CopyLeft(*x, n); }
+
+void Str::CopyLeft(const char* x, long n) {
+  Part part = Left(x, std::strlen(x), n);
+  CopyText(part.text, part.n);
+}
+
+void Str::CopyRight(const Str& x, long n) {
+  Part part = Right(x.string, x.length, n);
+  CopyText(part.text, part.n);
+}
+void Str::CopyRight(const Str* x, long n) { CopyRight(*x, n); }
+
+void Str::CopyRight(const char* x, long n) {
+  Part part = Right(x, std::strlen(x), n);
+  CopyText(part.text, part.n);
+}
+
+// CopyMid counts 0 as zero characters; pos may be the end of the source. A C string is measured
+// too, so a position or count past its terminator is never read.
+void Str::CopyMid(const Str& x, long pos, long n) {
+  Part part = Range(x.string, x.length, pos, n, x.length, false);
+  CopyText(part.text, part.n);
+}
+void Str::CopyMid(const Str* x, long pos, long n) { CopyMid(*x, pos, n); }
+
+void Str::CopyMid(const char* s, long pos, long n) {
+  long length = std::strlen(s);
+  Part part = Range(s, length, pos, n, length, false);
+  CopyText(part.text, part.n);
+}
+
+void Str::CopyEnd(const Str& x, long pos) {
+  Part part = Range(x.string, x.length, pos, 0, x.length, true);
+  CopyText(part.text, part.n);
+}
+void Str::CopyEnd(const Str* x, long pos) { CopyEnd(*x, pos); }
+
+void Str::CopyEnd(const char* x, long pos) {
+  long length = std::strlen(x);
+  Part part = Range(x, length, pos, 0, length, true);
+  CopyText(part.text, part.n);
+}
+
+// ---- Appending ranges and lines -------------------------------------------------------------
+
+// The first n characters of x; 0 takes all.
+void Str::Append(const Str& x, long n) {
+  Part part = Left(x.string, x.length, n);
+  AppendBytes(part.text, part.n);
+}
+void Str::Append(const Str* x, long n) { Append(*x, n); }
+
+void Str::Append(const char* x, long n) {
+  Part part = Left(x, std::strlen(x), n);
+  AppendBytes(part.text, part.n);
+}
+
+// n characters from pos, 0 taking the rest. The position must name a character of a Str, while
+// the end of a C string is accepted.
+void Str::Append(const Str& x, long pos, long n) {
+  Part part = Range(x.string, x.length, pos, n, x.length - 1, true);
+  AppendBytes(part.text, part.n);
+}
+
+void Str::Append(const char* s, long pos, long n) {
+  long length = std::strlen(s);
+  Part part = Range(s, length, pos, n, length, true);
+  AppendBytes(part.text, part.n);
+}
+
+// A line is the text followed by "\n", grown by the Append rule.
+void Str::AppendLine() { AppendBytes("\n", 1); }
+void Str::AppendLine(const Str& x) { AppendTokenText(x.string, x.length, '\n'); }
+void Str::AppendLine(const Str* x) { AppendTokenText(x->string, x->length, '\n'); }
+void Str::AppendLine(const char* x) { AppendTokenText(x, std::strlen(x), '\n'); }
+void Str::AppendLine(char c) { AppendTokenText(&c, 1, '\n'); }
+
+void Str::AppendLine(long n) {
+  char text[kNumberTextSize];
+  AppendTokenText(text, ConvertInteger(n, text), '\n');
+}
+
+void Str::AppendLine(double x) {
+  char text[kNumberTextSize];
+  AppendTokenText(text, ConvertFloat(x, text), '\n');
+}
+
+// << is Append that can be chained.
+Str& Str::operator<<(const Str& x) {
+  Append(x);
+  return *this;
+}
+
+Str& Str::operator<<(const Str* x) {
+  Append(x);
+  return *this;
+}
+
+Str& Str::operator<<(const char* x) {
+  Append(x);
+  return *this;
+}
+
+Str& Str::operator<<(char c) {
+  Append(c);
+  return *this;
+}
+
+Str& Str::operator<<(long n) {
+  Append(n);
+  return *this;
+}
+
+Str& Str::operator<<(double x) {
+  Append(x);
+  return *this;
+}
+
+// ---- += and + -------------------------------------------------------------------------------
+
+// += appends and then fits the buffer exactly, so every change of length reallocates.
+Str& Str::operator+=(const Str& x) {
+  AddAssignText(x.string, x.length);
+  return *this;
+}
+
+Str& Str::operator+=(const char* x) {
+  AddAssignText(x, std::strlen(x));
+  return *this;
+}
+
+Str& Str::operator+=(char c) {
+  AddAssignText(&c, 1);
+  return *this;
+}
+
+Str& Str::operator+=(long n) {
+  char text[kNumberTextSize];
+  AddAssignText(text, ConvertInteger(n, text));
+  return *this;
+}
+
+Str& Str::operator+=(double x) {
+  char text[kNumberTextSize];
+  AddAssignText(text, ConvertFloat(x, text));
+  return *this;
+}
+
+void Str::AddAssignText(const char* text, long n) {
+  if (n > kMaxSize - 1 - length) AlError();
+  long newLength = length + n;
+  if (size != newLength + 1) {
+    char* buffer = NewBuffer(newLength + 1);
+    std::memcpy(buffer, string, length);
+    std::memcpy(buffer + length, text, n);
+    Adopt(buffer, newLength + 1);
+  } else {
+    std::memmove(string + length, text, n);
+  }
+  length = newLength;
+  string[length] = '\0';
+}
+
+// + makes a new string with room for exactly the joined text; neither operand changes.
+Str Str::operator+(const Str& x) const { return JoinText(x.string, x.length); }
+Str Str::operator+(const Str* x) const { return JoinText(x->string, x->length); }
+Str Str::operator+(const char* x) const { return JoinText(x, std::strlen(x)); }
+Str Str::operator+(char c) const { return JoinText(&c, 1); }
+
+Str Str::operator+(long n) const {
+  char text[kNumberTextSize];
+  return JoinText(text, ConvertInteger(n, text));
+}
+
+Str Str::operator+(double x) const {
+  char text[kNumberTextSize];
+  return JoinText(text, ConvertFloat(x, text));
+}
+
+Str Str::JoinText(const char* text, long n) const {
+  Str joined(length + n);
+  joined.AppendBytes(string, length);
+  joined.AppendBytes(text, n);
+  return joined;
+}
+
+Str operator+(const char* x, const Str& s) { return Joined(x, std::strlen(x), s); }
+Str operator+(char c, const Str& s) { return Joined(&c, 1, s); }
+
+Str operator+(long n, const Str& s) {
+  char text[Str::kNumberTextSize];
+  Part part = Number(n, text);
+  return Joined(part.text, part.n, s);
+}
+
+Str operator+(double x, const Str& s) {
+  char text[Str::kNumberTextSize];
+  Part part = Number(x, text);
+  return Joined(part.text, part.n, s);
+}
+
+// ---- Inserting and overwriting --------------------------------------------------------------
+
+// Insert puts x before the character at pos (the end included); InsertLeft puts it in front.
+void Str::Insert(const Str& x, long pos) { InsertText(x.string, x.length, pos); }
+void Str::Insert(const Str* x, long pos) { InsertText(x->string, x->length, pos); }
+void Str::Insert(const char* x, long pos) { InsertText(x, std::strlen(x), pos); }
+void Str::Insert(char c, long pos) { InsertText(&c, 1, pos); }
+void Str::InsertLeft(const Str& x) { InsertText(x.string, x.length, 0); }
+void Str::InsertLeft(const Str* x) { InsertText(x->string, x->length, 0); }
+void Str::InsertLeft(const char* x) { InsertText(x, std::strlen(x), 0); }
+void Str::InsertLeft(char c) { InsertText(&c, 1, 0); }
+
+// The tail moves right first, which would shift a source inside this very buffer: such a source
+// is copied out before anything changes.
+void Str::InsertText(const char* text, long n, long pos) {
+  Within(pos, length);
+  if (n > kMaxSize - 1 - length) AlError();
+  if (n > 0 && Overlaps(string, size, text)) {
+    Str copy(n);
+    copy.AppendBytes(text, n);
+    InsertText(copy.string, n, pos);
+    return;
+  }
+  std::unique_ptr<char[]> old = MakeRoom(length + n);
+  std::memmove(string + pos + n, string + pos, length - pos + 1);
+  std::memcpy(string + pos, text, n);
+  length += n;
+}
+
+// Replace overwrites from pos, a character of the text; the text grows when x reaches past its
+// end. The counted form takes at most n characters of x.
+void Str::Replace(const Str& x, long pos) { ReplaceText(x.string, x.length, pos); }
+void Str::Replace(const Str* x, long pos) { ReplaceText(x->string, x->length, pos); }
+void Str::Replace(const char* x, long pos) { ReplaceText(x, std::strlen(x), pos); }
+void Str::Replace(char c, long pos) { ReplaceText(&c, 1, pos); }
+
+void Str::Replace(const Str& x, long pos, long n) {
+  Part part = Range(x.string, x.length, 0, n, x.length, false);
+  ReplaceText(part.text, part.n, pos);
+}
+void Str::Replace(const Str* x, long pos, long n) { Replace(*x, pos, n); }
+
+void Str::Replace(const char* x, long pos, long n) {
+  long length = std::strlen(x);
+  Part part = Range(x, length, 0, n, length, false);
+  ReplaceText(part.text, part.n, pos);
+}
+
+void Str::ReplaceText(const char* text, long n, long pos) {
+  Within(pos, length - 1);
+  if (n > kMaxSize - 1 - pos) AlError();
+  long end = pos + n;
+  std::unique_ptr<char[]> old = MakeRoom(end > length ? end : length);
+  std::memmove(string + pos, text, n);
+  if (end > length) {
+    length = end;
+    string[length] = '\0';
+  }
+}
+
+// ReplaceEnd cuts the text at pos (the end included) and appends x there.
+void Str::ReplaceEnd(const Str& x, long pos) { ReplaceEndText(x.string, x.length, pos); }
+void Str::ReplaceEnd(const Str* x, long pos) { ReplaceEndText(x->string, x->length, pos); }
+void Str::ReplaceEnd(const char* x, long pos) { ReplaceEndText(x, std::strlen(x), pos); }
+void Str::ReplaceEnd(char c, long pos) { ReplaceEndText(&c, 1, pos); }
+
+void Str::ReplaceEnd(long n, long pos) {
+  char text[kNumberTextSize];
+  ReplaceEndText(text, ConvertInteger(n, text), pos);
+}
+
+void Str::ReplaceEnd(double x, long pos) {
+  char text[kNumberTextSize];
+  ReplaceEndText(text, ConvertFloat(x, text), pos);
+}
+
+void Str::ReplaceEndText(const char* text, long n, long pos) {
+  Within(pos, length);
+  if (n > kMaxSize - 1 - pos) AlError();
+  std::unique_ptr<char[]> old = MakeRoom(pos + n);
+  std::memmove(string + pos, text, n);
+  length = pos + n;
+  string[length] = '\0';
+}
+
+// ---- Deleting -------------------------------------------------------------------------------
+
+// Deleting never reallocates.
+void Str::Delete(long pos) { Delete(pos, 1); }
+
+// A range reaching past the end ends the text at pos.
+void Str::Delete(long pos, long n) {
+  Counted(n);
+  Within(pos, length - 1);
+  if (n >= length - pos) {
+    length = pos;
+  } else {
+    std::memmove(string + pos, string + pos + n, length - pos - n);
+    length -= n;
+  }
+  string[length] = '\0';
+}
+
+void Str::DeleteLeft(long n) {
+  long cut = Counted(n) < length ? n : length;
+  std::memmove(string, string + cut, length - cut + 1);
+  length -= cut;
+}
+
+void Str::DeleteRight(long n) {
+  Counted(n);
+  length -= n < length ? n : length;
+  string[length] = '\0';
+}
+
+void Str::DeleteEnd(long pos) {
+  length = Within(pos, length - 1);
+  string[length] = '\0';
+}
+
+// ---- Whole-text changes ---------------------------------------------------------------------
+
+void Str::UpperCase() {
+  for (long i = 0; i < length; ++i) {
+    string[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(string[i])));
+  }
+}
+
+void Str::LowerCase() {
+  for (long i = 0; i < length; ++i) {
+    string[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(string[i])));
+  }
+}
+
+void Str::RemoveLeftSpaces() {
+  long blanks = 0;
+  while (blanks < length && IsSpace(string[blanks])) ++blanks;
+  std::memmove(string, string + blanks, length - blanks + 1);
+  length -= blanks;
+}
+
+void Str::RemoveRightSpaces() {
+  while (length > 0 && IsSpace(string[length - 1])) --length;
+  string[length] = '\0';
+}
+
+void Str::RemoveEndSpaces() {
+  RemoveLeftSpaces();
+  RemoveRightSpaces();
+}
+
+void Str::Fill(char c) { std::memset(string, c, length); }
+
+// A buffer too small for n characters is replaced by one of 2 x n bytes; the old text is dropped.
+void Str::Fill(char c, long n) {
+  Counted(n);
+  if (n > kMaxSize - 1) AlError();
+  if (size <= n) Reallocate(n > kMaxSize / 2 ? kMaxSize : 2 * n, false);
+  std::memset(string, c, n);
+  length = n;
+  string[length] = '\0';
+}
+
+void Str::Reverse() {
+  for (long i = 0, j = length - 1; i < j; ++i, --j) {
+    char c = string[i];
+    string[i] = string[j];
+    string[j] = c;
+  }
+}
+
+bool Str::HasLineEnd() const { return length > 0 && string[length - 1] == '\n'; }
+
+// ---- Copying out ----------------------------------------------------------------------------
+
+// New arrays belong to the caller, who frees them with delete[].
+char* Str::CopyToChar() const { return CopyToChar(length); }
+
+char* Str::CopyToChar(long n) const {
+  Part part = Range(string, length, 0, n, length, false);
+  char* copy = NewBuffer(part.n + 1);
+  std::memcpy(copy, part.text, part.n);
+  copy[part.n] = '\0';
+  return copy;
+}
+
+char* Str::CopyToChar(long pos, long n) const {
+  Part part = Range(string, length, pos, n, length - 1, true);
+  char* copy = NewBuffer(part.n + 1);
+  std::memcpy(copy, part.text, part.n);
+  copy[part.n] = '\0';
+  return copy;
+}
+
+// dest must have room for the copy and, when asked, its terminator. With a terminator the result
+// points at it, ready for the next piece; otherwise it is dest.
+char* Str::StringCopy(char* dest, long n, bool terminate) const {
+  Part part = Left(string, length, n);
+  std::memcpy(dest, part.text, part.n);
+  if (!terminate) return dest;
+  dest[part.n] = '\0';
+  return dest + part.n;
+}
+
+char* Str::StringCopy(char* dest, long n, long pos, bool terminate) const {
+  Part part = Range(string, length, pos, n, length - 1, true);
+  std::memcpy(dest, part.text, part.n);
+  if (!terminate) return dest;
+  dest[part.n] = '\0';
+  return dest + part.n;
+}
