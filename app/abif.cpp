@@ -1,0 +1,155 @@
+// Minimal ABIF output: a 128-byte header whose root entry points at a directory of six entries
+// (base order, lane, four trace channels), then the A, C, G and T arrays of signed 16-bit heights.
+// Everything before the arrays is a fixed template; only the element counts, sizes and offsets of
+// the four DATA entries change with the sequence.
+#include <cstring>
+
+#include "app/chromat.h"
+#include "app/trace.h"
+
+namespace {
+
+using trace::kChannels;
+using trace::kNoChannel;
+using trace::kSamplesPerBase;
+using trace::PutFill;
+using trace::PutText;
+using trace::PutUint16;
+using trace::PutUint32;
+
+constexpr long kHeaderSize = 128;
+constexpr long kEntrySize = 28;
+constexpr long kEntries = 6;
+constexpr long kTemplateSize = kHeaderSize + kEntries * kEntrySize;
+static_assert(kTemplateSize == 296, "header and directory precede the trace arrays");
+
+constexpr long kBytesPerHeight = 2;
+constexpr unsigned kTypeChar = 2;
+constexpr unsigned kTypeShort = 4;
+
+// One directory entry. `value` is the data offset, or the data itself, left-justified, when it
+// takes four bytes or less.
+struct Entry {
+  char name[5];
+  unsigned long number;
+  unsigned type;
+  unsigned elementSize;
+  unsigned long elements;
+  unsigned long dataSize;
+  unsigned long value;
+};
+
+constexpr unsigned long TextValue(const char* text) {
+  return static_cast<unsigned long>(static_cast<unsigned char>(text[0])) << 24 |
+         static_cast<unsigned long>(static_cast<unsigned char>(text[1])) << 16 |
+         static_cast<unsigned long>(static_cast<unsigned char>(text[2])) << 8 |
+         static_cast<unsigned long>(static_cast<unsigned char>(text[3]));
+}
+
+// The root entry has no name, type or data size on purpose: readers find the directory through
+// its element count and offset alone.
+constexpr Entry kRoot = {"", 0, 0, kEntrySize, kEntries, 0, kHeaderSize};
+
+// The directory. The DATA entries' counts, sizes and offsets are filled in per file; DATA 9..12
+// hold the channels in the base order of FWO_.
+constexpr Entry kDirectory[] = {
+    {"FWO_", 1, kTypeChar, 1, 4, 4, TextValue(trace::kChannelBases)},
+    {"LANE", 1, kTypeShort, 2, 1, 2, 80ul << 16},  // lane 80, left-justified
+    {"DATA", 9, kTypeShort, kBytesPerHeight, 0, 0, 0},
+    {"DATA", 10, kTypeShort, kBytesPerHeight, 0, 0, 0},
+    {"DATA", 11, kTypeShort, kBytesPerHeight, 0, 0, 0},
+    {"DATA", 12, kTypeShort, kBytesPerHeight, 0, 0, 0},
+};
+static_assert(sizeof kDirectory / sizeof kDirectory[0] == kEntries, "root entry count");
+constexpr long kFirstDataEntry = kHeaderSize + 2 * kEntrySize;
+constexpr long kEntryElements = 12;  // where the per-file fields of an entry begin
+
+constexpr unsigned char* PutEntry(unsigned char* p, const Entry& entry) {
+  p = PutText(p, entry.name, 4);        // 0: tag name
+  p = PutUint32(p, entry.number);       // 4: tag number
+  p = PutUint16(p, entry.type);         // 8: element type
+  p = PutUint16(p, entry.elementSize);  // 10: element size
+  p = PutUint32(p, entry.elements);     // 12: number of elements
+  p = PutUint32(p, entry.dataSize);     // 16: data size
+  p = PutUint32(p, entry.value);        // 20: data offset or data
+  return PutUint32(p, 0);               // 24: data handle
+}
+
+struct Template {
+  unsigned char bytes[kTemplateSize];
+};
+
+constexpr Template MakeTemplate() {
+  Template t{};
+  unsigned char* p = t.bytes;
+  p = PutText(p, "ABIF", 4);                                     // 0: signature
+  p = PutUint16(p, 0);                                           // 4: version
+  p = PutEntry(p, kRoot);                                        // 6: root entry
+  p = PutFill(p, 0xFF, t.bytes + kHeaderSize - p);               // 34: reserved, up to 127
+  for (const Entry& entry : kDirectory) p = PutEntry(p, entry);  // 128: directory
+  return t;
+}
+
+constexpr Template kTemplate = MakeTemplate();
+
+// A base's 24-byte slot in one channel array (samples 5 + 12i .. 16 + 12i), indexed by
+// [the previous base was drawn here][this base is drawn here].
+constexpr long kSlotSize = kSamplesPerBase * kBytesPerHeight;
+
+struct SlotTable {
+  unsigned char slot[2][2][kSlotSize];
+};
+
+constexpr SlotTable MakeSlotTable() {
+  SlotTable table{};
+  for (int previous = 0; previous < 2; ++previous) {
+    for (int own = 0; own < 2; ++own) {
+      unsigned char* p = table.slot[previous][own];
+      for (long k = 0; k < kSamplesPerBase; ++k) {
+        p = PutUint16(p, trace::SlotHeight(own, previous, k));
+      }
+    }
+  }
+  return table;
+}
+
+constexpr SlotTable kSlots = MakeSlotTable();
+constexpr long kTailSamples = kSamplesPerBase - trace::kAbifFirstPeak;
+
+// An unknown letter is drawn in the channel of the last A, C, G or T before it; before the first
+// of them there is no such channel and the slot stays empty.
+void PutChannel(trace::ChunkWriter& out, int channel, const char* bases, long n) {
+  out.Fill(0, trace::kAbifFirstPeak * kBytesPerHeight);
+  int drawn = kNoChannel;
+  bool previous = false;
+  for (long i = 0; i < n; ++i) {
+    const int own = trace::BaseChannel(bases[i]);
+    if (own != kNoChannel) drawn = own;
+    const bool here = drawn == channel;
+    out.Put(kSlots.slot[previous][here], kSlotSize);
+    previous = here;
+  }
+  out.Put(kSlots.slot[previous][false], kBytesPerHeight);
+  out.Fill(0, (kTailSamples - 1) * kBytesPerHeight);
+}
+
+}  // namespace
+
+void WriteAbif(FileWriter& file, const char* bases, long n) {
+  const unsigned long samples = trace::SampleCount(n);
+  const unsigned long arrayBytes = kBytesPerHeight * samples;
+  unsigned char head[kTemplateSize];
+  memcpy(head, kTemplate.bytes, kTemplateSize);
+  unsigned long offset = kTemplateSize;
+  for (int channel = 0; channel < kChannels; ++channel) {
+    unsigned char* p = head + kFirstDataEntry + channel * kEntrySize + kEntryElements;
+    p = PutUint32(p, samples);     // 12: number of elements
+    p = PutUint32(p, arrayBytes);  // 16: data size
+    PutUint32(p, offset);          // 20: data offset
+    offset += arrayBytes;
+  }
+  trace::ChunkWriter out(file);
+  out.Put(head, kTemplateSize);
+  for (int channel = 0; channel < kChannels; ++channel) PutChannel(out, channel, bases, n);
+  out.Flush();
+}
