@@ -54,10 +54,11 @@ class FileReader {
   long lines = 0;                   // newlines passed since Open
   bool lastBlock = false;           // the block came from a short read
 
-  bool Refill();                    // false at end of data
+  bool Refill();  // true when a byte is ready at cursor; false at end of data
   bool AtEndOfData() const { return cursor >= end && lastBlock; }
-  long ReadBlock();                 // fills the buffer from the file, returns the byte count
-  bool CollectLine(Str& line);      // up to the next newline; false when none was found
+  void ReadBlock();                   // fills the buffer from the file at its current offset
+  bool CollectLine(Str& line);        // up to the next newline; false when none was found
+  bool SkipPast(unsigned char byte);  // past the next `byte`; false at end of data
 };
 
 // Buffered output file. Text and raw bytes are collected in the buffer, which is written to the
@@ -158,16 +159,23 @@ class FileWriter {
   long size = kDefaultSize;
   bool failed = false;
 
+  static long TextLength(const char* s);  // strlen, 0 for a null pointer
+
  private:
   bool OpenFile(const char* path, int flags);
-  void WriteBuffer();                          // exactly size bytes
-  void WriteOut(const unsigned char* p, long n);
-  void BlockAppend(const void* data, long n);  // never leaves the buffer full
+  void WriteOut(const unsigned char* p, long n);  // all n bytes, or `failed` is set
+  void WriteBuffer();                             // exactly size bytes
+  // The one copy loop. Text and blocks never leave the buffer full; binary values
+  // (keepFull) may, and the next append writes it out first.
+  void CopyIn(const void* data, long n, bool keepFull);
+  void BlockAppend(const char* text, long n) { CopyIn(text, n, false); }
   void FillAppend(unsigned char c, long n);
-  void NumberAppend(const char* text, long n);
+  void LineAppend(const char* text, long n);
+  void TokenAppend(const char* text, long n, char separator);
   void StoreByte(unsigned char c);             // written when the buffer becomes full
   void PutByte(unsigned char c);               // written when a byte finds the buffer full
-  void BinaryAppend(const unsigned char* bytes, int k);
+  void IntegerAppend(unsigned long v, int k);  // the low k bytes, most significant first
+  void FieldAppend(const char* text, long n, long width);
   void JustifiedAppend(const char* text, long n, long width, bool right);
 };
 
@@ -216,6 +224,11 @@ class CoutWriter : public FileWriter {
   CoutWriter& operator<<(double x) override;
 
   using FileWriter::AppendByte;
+
+ private:
+  static void Put(const char* text, long n);
+  static void PutFollowed(const char* text, long n, char after);
+  static void PutJustified(const char* text, long n, long width, bool right);
 };
 
 // Directories: usability checks, listings split into sub-directories and files, the home and
