@@ -1,0 +1,185 @@
+#include "app/writer.h"
+
+#include <cctype>
+#include <iostream>
+
+#include "app/chromat.h"
+#include "toolkit/ctime.h"
+
+namespace {
+
+constexpr char kEditDir[] = "edit_dir/";
+constexpr long kEditDirLength = sizeof kEditDir - 1;
+constexpr char kChromatDir[] = "chromat_dir/";
+constexpr char kPhdDir[] = "phd_dir/";
+constexpr char kPolyDir[] = "poly_dir/";
+
+constexpr char kChromatAnnouncement[] = "\nWriting chromat file ";
+constexpr char kFileAnnouncement[] = "Writing ";
+constexpr char kCannotWrite[] = "\nERROR: can not write file ";
+
+// Base i of the clean sequence stands at trace sample kSpacing * (i + 1); the trace has
+// kSpacing * (n + 1) samples.
+constexpr long kSpacing = 12;
+
+// The phd header around the record's own values, in file order.
+constexpr char kPhdBegin[] = "BEGIN_SEQUENCE ";
+constexpr char kPhdChromat[] = "\n\nBEGIN_COMMENT\nCHROMAT_FILE: ";
+constexpr char kPhdTime[] =
+    "\nABI_THUMBPRINT: 0\nPHRED_VERSION: synthCall\nCALL_METHOD: synthCall\n"
+    "QUALITY_LEVELS: 99\nTIME: ";
+constexpr char kPhdMaxIndex[] = "\nTRACE_ARRAY_MIN_INDEX: 0\nTRACE_ARRAY_MAX_INDEX: ";
+constexpr char kPhdDna[] = "\nCHEM: unknown\nDYE: unknown\nEND_COMMENT\n\nBEGIN_DNA\n";
+constexpr char kPhdEnd[] = "END_DNA\nEND_SEQUENCE";  // the file ends without a newline
+
+// A poly line reports one clean peak: the called area, no second peak, then the four channel
+// areas in the order A, C, G, T.
+constexpr char kPolyHeader[] = " 1 1 1 1 1\n";
+constexpr char kPolyPeak[] = " 300000 1 N  -1  -1 -1 ";
+
+struct AreaField {
+  char base;
+  const char* areas;
+};
+
+constexpr AreaField kAreaFields[] = {
+    {'A', "60000 0 0 0\n"},
+    {'C', "0 60000 0 0\n"},
+    {'G', "0 0 60000 0\n"},
+    {'T', "0 0 0 60000\n"},
+};
+constexpr char kNoArea[] = "0 0 0 0\n";  // letters without a channel of their own
+
+const char* AreasOf(char base) {
+  for (const AreaField& field : kAreaFields)
+    if (field.base == base) return field.areas;
+  return kNoArea;
+}
+
+// The directory when its owner may use it as asked, else the project root itself.
+Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
+  Str path(root);
+  path.Append(name);
+  return directory.Check(path, true, mustWrite) ? path : root;
+}
+
+}  // namespace
+
+Writer::Writer() : Writer(std::cout, std::cerr) {}
+
+Writer::Writer(std::ostream& progress, std::ostream& errors)
+    : file(kBufferSize), out(progress), err(errors) {}
+
+Writer::~Writer() = default;
+
+void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi) {
+  this->quality.Copy(quality);
+  this->referenceSuffix.Copy(referenceSuffix);
+  this->reference = reference;
+  this->abi = abi;
+  Directory directory;
+  Str root = ProjectRoot();
+  chromatDir = UsableOr(root, kChromatDir, true, directory);
+  phdDir = UsableOr(root, kPhdDir, true, directory);
+  // Only reading is required of poly_dir/, and it is required in every run, reference or not.
+  Str poly(root);
+  poly.Append(kPolyDir);
+  if (!directory.Check(poly, true, false)) throw 1;
+  polyDir = poly;
+}
+
+// The current directory, shortened by a trailing "edit_dir/". Only the bare ending counts, so
+// ".../old_edit_dir/" gives ".../old_"; a current directory of exactly "edit_dir/" is kept.
+Str Writer::ProjectRoot() {
+  Str root = Directory::GetCurrentDirectory();
+  if (root.CompareRight(kEditDir)) root.DeleteRight(kEditDirLength);
+  return root;
+}
+
+void Writer::WriteFiles(Str& name, const Str& sequence) {
+  CTime now;
+  if (reference) name.Append(referenceSuffix);
+  Str chromatName(name);
+  Str bases(sequence.Length());
+  CleanSequence(sequence, bases);
+  WriteChromat(bases, chromatName);
+  WritePhd(name, chromatName, now.GetCTime(), bases);
+  if (!reference) WritePoly(name, bases);
+}
+
+// Upper case, letters only: every letter is kept, not only A, C, G and T. `bases` comes with
+// room for the whole sequence, so appending never moves it.
+void Writer::CleanSequence(const Str& sequence, Str& bases) {
+  const char* text = sequence.String();
+  for (long i = 0; i < sequence.Length(); ++i) {
+    int c = std::toupper(static_cast<unsigned char>(text[i]));
+    if (std::isalpha(c)) bases.Append(static_cast<char>(c));
+  }
+}
+
+// An SCF file is named with ".scf", an ABIF file has no extension; the phd file names it without
+// the directory.
+void Writer::WriteChromat(const Str& bases, Str& chromatName) {
+  if (!abi) chromatName.Append(".scf");
+  Str path(chromatDir);
+  path.Append(chromatName);
+  OpenFile(kChromatAnnouncement, path);
+  if (abi)
+    WriteAbif(file, bases.String(), bases.Length());
+  else
+    WriteScf(file, bases.String(), bases.Length());
+  CloseFile(path);
+}
+
+void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, const Str& bases) {
+  Str path(phdDir);
+  path.Append(name);
+  path.Append(".phd.1");
+  OpenFile(kFileAnnouncement, path);
+  file.Append(kPhdBegin);
+  file.Append(name);
+  file.Append(kPhdChromat);
+  file.Append(chromatName);
+  file.Append(kPhdTime);
+  file.Append(time);
+  file.Append(kPhdMaxIndex);
+  file.Append(kSpacing * bases.Length() + kSpacing - 1);
+  file.Append(kPhdDna);
+  const char* base = bases.String();
+  for (long i = 0; i < bases.Length(); ++i) {
+    file.AppendToken(base[i]);
+    file.AppendToken(quality);
+    file.AppendLine(kSpacing * (i + 1));
+  }
+  file.Append(kPhdEnd);
+  CloseFile(path);
+}
+
+void Writer::WritePoly(const Str& name, const Str& bases) {
+  Str path(polyDir);
+  path.Append(name);
+  path.Append(".poly");
+  OpenFile(kFileAnnouncement, path);
+  file.Append(name);
+  file.Append(kPolyHeader);
+  const char* base = bases.String();
+  for (long i = 0; i < bases.Length(); ++i) {
+    file.AppendToken(base[i]);
+    file.Append(kSpacing * (i + 1));
+    file.Append(kPolyPeak);
+    file.Append(AreasOf(base[i]));
+  }
+  CloseFile(path);
+}
+
+// Every file is announced before it is opened.
+void Writer::OpenFile(const char* announcement, const Str& path) {
+  out << announcement << path << std::endl;
+  file.Open(path);
+}
+
+// A file that could not be created or fully written is reported, and the run goes on.
+void Writer::CloseFile(const Str& path) {
+  file.Close();
+  if (file.Failed()) err << kCannotWrite << path << std::endl;
+}
