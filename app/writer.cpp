@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/chromat.h"
+#include "app/trace.h"
 #include "toolkit/ctime.h"
 
 namespace {
@@ -17,10 +18,6 @@ constexpr char kPolyDir[] = "poly_dir/";
 constexpr char kChromatAnnouncement[] = "\nWriting chromat file ";
 constexpr char kFileAnnouncement[] = "Writing ";
 constexpr char kCannotWrite[] = "\nERROR: can not write file ";
-
-// Base i of the clean sequence stands at trace sample kSpacing * (i + 1); the trace has
-// kSpacing * (n + 1) samples.
-constexpr long kSpacing = 12;
 
 // The phd header around the record's own values, in file order.
 constexpr char kPhdBegin[] = "BEGIN_SEQUENCE ";
@@ -143,13 +140,13 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   file.Append(kPhdTime);
   file.Append(time);
   file.Append(kPhdMaxIndex);
-  file.Append(kSpacing * bases.Length() + kSpacing - 1);
+  file.Append(trace::SampleCount(bases.Length()) - 1);  // the last sample's index
   file.Append(kPhdDna);
   const char* base = bases.String();
   for (long i = 0; i < bases.Length(); ++i) {
     file.AppendToken(base[i]);
     file.AppendToken(quality);
-    file.AppendLine(kSpacing * (i + 1));
+    file.AppendLine(trace::BasePosition(i));
   }
   file.Append(kPhdEnd);
   CloseFile(path);
@@ -165,7 +162,7 @@ void Writer::WritePoly(const Str& name, const Str& bases) {
   const char* base = bases.String();
   for (long i = 0; i < bases.Length(); ++i) {
     file.AppendToken(base[i]);
-    file.Append(kSpacing * (i + 1));
+    file.Append(trace::BasePosition(i));
     file.Append(kPolyPeak);
     file.Append(AreasOf(base[i]));
   }
