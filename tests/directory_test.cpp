@@ -1,9 +1,8 @@
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "gtest/gtest.h"
 #include "test_util.h"
@@ -13,304 +12,90 @@ namespace {
 
 using testutil::MakeDir;
 using testutil::TempDir;
-using testutil::WriteFile;
 
-// Sets or removes an environment variable for one scope and puts the old value back.
-class ScopedVariable {
- public:
-  ScopedVariable(const char* name, const char* value) : name_(name) {
-    const char* old = getenv(name);
-    hadValue_ = old != nullptr;
-    if (hadValue_) old_ = old;
-    if (value != nullptr) {
-      setenv(name, value, 1);
-    } else {
-      unsetenv(name);
-    }
+// The directory list, then the file list of `dir`, as its copies give them: "d |a b |".
+std::string Lists(Directory& dir) {
+  StrList lists[2];
+  dir.GetDirList(lists[0]);
+  dir.GetFileList(lists[1]);
+  std::string text;
+  for (StrList& list : lists) {
+    for (list.Begin(); Str* name = list.GetNext();) text += std::string(name->String()) + " ";
+    text += "|";
   }
-  ~ScopedVariable() {
-    if (hadValue_) {
-      setenv(name_, old_.c_str(), 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
- private:
-  const char* name_;
-  std::string old_;
-  bool hadValue_;
-};
-
-std::vector<std::string> Names(StrList& list) {
-  std::vector<std::string> names;
-  list.Begin();
-  while (Str* s = list.GetNext()) names.push_back(s->String());
-  return names;
+  return text;
 }
 
-std::vector<std::string> DirNames(Directory& dir) {
-  StrList list;
-  dir.GetDirList(list);
-  return Names(list);
-}
-
-std::vector<std::string> FileNames(Directory& dir) {
-  StrList list;
-  dir.GetFileList(list);
-  return Names(list);
-}
-
-int OpenDescriptors() {
-  int n = 0;
-  DIR* fds = opendir("/proc/self/fd");
-  while (readdir(fds) != nullptr) ++n;
-  closedir(fds);
-  return n;
-}
-
-// The name among `names` that readdir delivers last in `path`.
-std::string LastDelivered(const std::string& path, const std::vector<std::string>& names) {
-  std::string last;
-  DIR* stream = opendir(path.c_str());
-  while (const dirent* entry = readdir(stream)) {
-    for (const std::string& name : names) {
-      if (name == entry->d_name) last = name;
-    }
-  }
-  closedir(stream);
-  return last;
-}
-
-// A directory holding "b", "a", ".x" and a sub-directory "d".
+// A directory holding the files "b", "a" and ".x" and a sub-directory "d".
 void MakeSample(const TempDir& tmp) {
-  WriteFile(tmp / "b", "b");
-  WriteFile(tmp / "a", "a");
-  WriteFile(tmp / ".x", "x");
+  for (const char* name : {"b", "a", ".x"}) testutil::WriteFile(tmp / name, name);
   MakeDir(tmp / "d");
 }
 
-TEST(Directory, CheckAcceptsOnlyRealDirectories) {
+// Without owner read an ordinary user cannot even open the stream, which is tried first; only
+// the superuser gets as far as the permission bits.
+TEST(Directory, CheckAcceptsOnlyUsableRealDirectories) {
   TempDir tmp;
-  WriteFile(tmp / "file", "x");
-  MakeDir(tmp / "real");
-  ASSERT_EQ(symlink((tmp / "real").c_str(), (tmp / "link").c_str()), 0);
-  Directory dir;
-
-  EXPECT_FALSE(dir.Check((tmp / "file").c_str(), false, false));
-  EXPECT_EQ(dir.GetError(), 1);
-  EXPECT_FALSE(dir.Check((tmp / "missing").c_str(), false, false));
-  EXPECT_EQ(dir.GetError(), 1);
-  // The link opens as a directory stream but is not a directory itself.
-  EXPECT_FALSE(dir.Check((tmp / "link").c_str(), false, false));
-  EXPECT_EQ(dir.GetError(), 1);
-  // A later success resets the code.
-  EXPECT_TRUE(dir.Check(Str((tmp / "real/").c_str()), true, true));
-  EXPECT_EQ(dir.GetError(), 0);
-}
-
-TEST(Directory, CheckLooksAtOwnerPermissions) {
-  TempDir tmp;
+  MakeSample(tmp);
   MakeDir(tmp / "readonly", 0555);
   MakeDir(tmp / "writeonly", 0333);
+  ASSERT_EQ(symlink((tmp / "d").c_str(), (tmp / "link").c_str()), 0);
+  const std::tuple<const char*, bool, bool, int> cases[] = {
+      {"a", false, false, 1},       {"link", false, false, 1},
+      {"d/", true, true, 0},        {"readonly", true, true, 3},
+      {"readonly", true, false, 0}, {"writeonly", true, false, geteuid() == 0 ? 2 : 1},
+  };
   Directory dir;
-
-  EXPECT_FALSE(dir.Check((tmp / "readonly").c_str(), true, true));
-  EXPECT_EQ(dir.GetError(), 3);
-  EXPECT_TRUE(dir.Check((tmp / "readonly").c_str(), true, false));
-  EXPECT_EQ(dir.GetError(), 0);
-
-  // Without owner read an ordinary user cannot even open the stream, which is tested first;
-  // only the superuser gets as far as the permission bits.
-  bool superuser = geteuid() == 0;
-  EXPECT_FALSE(dir.Check((tmp / "writeonly").c_str(), true, false));
-  EXPECT_EQ(dir.GetError(), superuser ? 2 : 1);
-  EXPECT_EQ(dir.Check((tmp / "writeonly").c_str(), false, true), superuser);
+  for (const auto& [name, mustRead, mustWrite, error] : cases) {
+    EXPECT_EQ(dir.Check(Str((tmp / name).c_str()), mustRead, mustWrite), error == 0) << name;
+    EXPECT_EQ(dir.GetError(), error) << name << mustRead << mustWrite;
+  }
 }
 
-TEST(Directory, CheckClosesItsStream) {
-  TempDir tmp;
-  Directory dir;
-  int before = OpenDescriptors();
-  for (int i = 0; i < 50; ++i) dir.Check(tmp.path().c_str(), true, true);
-  EXPECT_EQ(OpenDescriptors(), before);
-}
-
-TEST(Directory, CheckFileNeedsOnlyStat) {
-  TempDir tmp;
-  WriteFile(tmp / "file", "");
-  MakeDir(tmp / "locked", 0);
-  EXPECT_TRUE(Directory::CheckFile((tmp / "file").c_str()));
-  EXPECT_TRUE(Directory::CheckFile(Str(tmp.path().c_str())));
-  EXPECT_TRUE(Directory::CheckFile((tmp / "locked").c_str()));
-  EXPECT_FALSE(Directory::CheckFile((tmp / "missing").c_str()));
-  EXPECT_FALSE(Directory::CheckFile((tmp / "file/x").c_str()));
-}
-
+// Entries go by what they open as: links count as their targets, and dangling or looping links
+// are left out. Hidden names include "." and "..".
 TEST(Directory, OpenSplitsDirectoriesFromFiles) {
   TempDir tmp;
   MakeSample(tmp);
+  for (const std::string name : {"d", "a", "nowhere", "loop"}) {
+    ASSERT_EQ(symlink(name.c_str(), (tmp / (name + "_link")).c_str()), 0);
+  }
+  ASSERT_EQ(symlink("loop_link", (tmp / "loop").c_str()), 0);
   Directory dir;
   ASSERT_TRUE(dir.Open(tmp.path().c_str(), false));
-  EXPECT_EQ(DirNames(dir), (std::vector<std::string>{"d"}));
-  EXPECT_EQ(FileNames(dir), (std::vector<std::string>{"a", "b"}));
-
-  // With hidden names "." and ".." come along as directories; a trailing '/' changes nothing.
+  EXPECT_EQ(Lists(dir), "d d_link |a a_link b |");
   ASSERT_TRUE(dir.Open((tmp.path() + "/").c_str(), true));
-  EXPECT_EQ(DirNames(dir), (std::vector<std::string>{".", "..", "d"}));
-  EXPECT_EQ(FileNames(dir), (std::vector<std::string>{".x", "a", "b"}));
-}
-
-TEST(Directory, OpenFollowsLinksAndLeavesOutFailures) {
-  TempDir tmp;
-  MakeDir(tmp / "real");
-  WriteFile(tmp / "plain", "");
-  ASSERT_EQ(symlink("real", (tmp / "to_dir").c_str()), 0);
-  ASSERT_EQ(symlink("plain", (tmp / "to_file").c_str()), 0);
-  ASSERT_EQ(symlink("nowhere", (tmp / "dangling").c_str()), 0);
-  ASSERT_EQ(symlink("loop", (tmp / "loop").c_str()), 0);
-  Directory dir;
-  ASSERT_TRUE(dir.Open(tmp.path().c_str(), false));
-  EXPECT_EQ(DirNames(dir), (std::vector<std::string>{"real", "to_dir"}));
-  EXPECT_EQ(FileNames(dir), (std::vector<std::string>{"plain", "to_file"}));
-}
-
-TEST(Directory, FailedOpenKeepsPreviousLists) {
-  TempDir tmp;
-  MakeSample(tmp);
-  Directory dir;
-  ASSERT_TRUE(dir.Open(tmp.path().c_str(), false));
-  EXPECT_FALSE(dir.Open((tmp / "missing").c_str(), false));
-  EXPECT_FALSE(dir.Open((tmp / "a").c_str(), false));
-  EXPECT_EQ(DirNames(dir), (std::vector<std::string>{"d"}));
-  EXPECT_EQ(FileNames(dir), (std::vector<std::string>{"a", "b"}));
-
-  // A successful open of an empty directory replaces them.
+  // A failed Open keeps the previous lists; the open of an empty directory replaces them.
+  EXPECT_FALSE(dir.Open((tmp / "missing").c_str(), false) || dir.Open((tmp / "a").c_str(), true));
+  EXPECT_EQ(Lists(dir), ". .. d d_link |.x a a_link b |");
   ASSERT_TRUE(dir.Open((tmp / "d").c_str(), false));
-  EXPECT_TRUE(DirNames(dir).empty());
-  EXPECT_TRUE(FileNames(dir).empty());
+  EXPECT_EQ(Lists(dir), "||");
 }
 
-TEST(Directory, GetNextStartsAtLastCollatedName) {
-  TempDir tmp;
-  const std::vector<std::string> sorted = {"f1", "f2", "f3", "f4", "f5", "f6"};
-  for (const char* name : {"f4", "f1", "f6", "f3", "f5", "f2"}) WriteFile(tmp / name, "");
-  MakeDir(tmp / "only");
-  Directory dir;
-  ASSERT_TRUE(dir.Open(tmp.path().c_str(), false));
-
-  // The walk begins at the name the stream delivered last and skips those sorting before it.
-  std::string last = LastDelivered(tmp.path(), sorted);
-  std::vector<std::string> expected;
-  for (const std::string& name : sorted) {
-    if (name >= last) expected.push_back(name);
-  }
-  std::vector<std::string> walked;
-  Str name("stale");
-  while (dir.GetNextFile(name)) walked.push_back(name.String());
-  EXPECT_EQ(walked, expected);
-  EXPECT_STREQ(name.String(), expected.back().c_str());  // untouched by the failing call
-
-  ASSERT_TRUE(dir.GetNextDir(name));
-  EXPECT_STREQ(name.String(), "only");
-  EXPECT_FALSE(dir.GetNextDir(name));
+TEST(Directory, CurrentDirectoryComesFromPwdEndingInSlash) {
+  setenv("PWD", "/home/u", 1);
+  EXPECT_STREQ(Directory::GetCurrentDirectory().String(), "/home/u/");
+  setenv("PWD", "/", 1);
+  EXPECT_STREQ(Directory::GetCurrentDirectory().String(), "/");
 }
 
-TEST(Directory, ListCopiesLeaveTheWalkAtTheEnd) {
-  TempDir tmp;
-  MakeSample(tmp);
-  Directory dir;
-  ASSERT_TRUE(dir.Open(tmp.path().c_str(), false));
-
-  StrList out;
-  out.Append("stale");
-  dir.GetDirList(out);
-  EXPECT_EQ(Names(out), (std::vector<std::string>{"d"}));
-  dir.GetFileList(out);
-  EXPECT_EQ(Names(out), (std::vector<std::string>{"a", "b"}));
-
-  Str name;
-  EXPECT_FALSE(dir.GetNextDir(name));
-  EXPECT_FALSE(dir.GetNextFile(name));
-
-  // A fresh object and an empty directory have nothing to give.
-  Directory empty;
-  EXPECT_FALSE(empty.GetNextDir(name));
-  ASSERT_TRUE(empty.Open((tmp / "d").c_str(), false));
-  EXPECT_FALSE(empty.GetNextFile(name));
-}
-
-TEST(Directory, EnvironmentDirectoriesEndInSlash) {
-  {
-    ScopedVariable pwd("PWD", "/home/u");
-    ScopedVariable home("HOME", "/home/v");
-    EXPECT_STREQ(Directory::GetCurrentDirectory().String(), "/home/u/");
-    EXPECT_STREQ(Directory::GetHomeDirectory().String(), "/home/v/");
-  }
-  {
-    ScopedVariable pwd("PWD", "/");
-    ScopedVariable home("HOME", "/home/v/");
-    EXPECT_STREQ(Directory::GetCurrentDirectory().String(), "/");
-    EXPECT_STREQ(Directory::GetHomeDirectory().String(), "/home/v/");
-  }
-  {
-    ScopedVariable pwd("PWD", nullptr);
-    ScopedVariable home("HOME", nullptr);
-    EXPECT_EQ(Directory::GetCurrentDirectory().Length(), 0);
-    EXPECT_EQ(Directory::GetHomeDirectory().Length(), 0);
-  }
-}
-
-TEST(Directory, CurrentDirectoryComesFromPwd) {
-  TempDir tmp;
-  MakeSample(tmp);
-  Directory dir;
-  {
-    ScopedVariable pwd("PWD", tmp.path().c_str());
-    EXPECT_STREQ(Directory::GetCurrentDirectory().String(), (tmp.path() + "/").c_str());
-    ASSERT_TRUE(dir.Open(false));
-    EXPECT_EQ(FileNames(dir), (std::vector<std::string>{"a", "b"}));
-  }
-  {
-    ScopedVariable pwd("PWD", nullptr);
-    EXPECT_FALSE(dir.Open(true));
-    EXPECT_EQ(FileNames(dir), (std::vector<std::string>{"a", "b"}));
-  }
-}
-
-// Each row: a path and what the four splitters give for it; GetParent also rewrites the path.
-struct SplitCase {
-  const char* path;
-  const char* fileName;
-  const char* extension;
-  const char* directory;
-  const char* parent;
-  const char* afterParent;
-};
-constexpr SplitCase kSplitCases[] = {
-    {"a/b/c", "c", "", "a/b/", "a/b/", "a/b/c"},
-    {"a/b/c/", "", "", "a/b/c/", "a/b/", "a/b/c"},
-    {"name", "name", "", "", "", "name"},
-    {"/top", "top", "", "/", "/", "/top"},
-    {"/", "", "", "/", "", ""},
-    {"", "", "", "", "", ""},
-    {"a//", "", "", "a//", "a/", "a/"},
-    {"archive.tar.gz", "archive.tar.gz", "gz", "", "", "archive.tar.gz"},
-    {".profile", ".profile", "", "", "", ".profile"},
-    {"dir.d/file", "file", "", "dir.d/", "dir.d/", "dir.d/file"},
-    {"dir.d/file.txt", "file.txt", "txt", "dir.d/", "dir.d/", "dir.d/file.txt"},
-    {"file.", "file.", "", "", "", "file."},
-};
-
+// Each row: a path, then what GetFileName, GetExtension, GetPath and GetParent give for it, and
+// what GetParent leaves of the path.
 TEST(Directory, PathSplitting) {
-  for (const SplitCase& c : kSplitCases) {
-    Str path(c.path);
-    EXPECT_STREQ(Directory::GetFileName(path).String(), c.fileName) << c.path;
-    EXPECT_STREQ(Directory::GetExtension(path).String(), c.extension) << c.path;
-    EXPECT_STREQ(Directory::GetPath(path).String(), c.directory) << c.path;
-    EXPECT_STREQ(path.String(), c.path) << "only GetParent may change the path";
-    EXPECT_STREQ(Directory::GetParent(path).String(), c.parent) << c.path;
-    EXPECT_STREQ(path.String(), c.afterParent) << c.path;
+  const char* const cases[][2] = {
+      {"a/b/c/", "||a/b/c/|a/b/|a/b/c"},
+      {"a//", "||a//|a/|a/"},
+      {"archive.tar.gz", "archive.tar.gz|gz|||archive.tar.gz"},
+      {".profile", ".profile||||.profile"},
+      {"dir.d/file", "file||dir.d/|dir.d/|dir.d/file"},
+  };
+  for (const auto& [text, parts] : cases) {
+    Str path(text);
+    std::string split = std::string(Directory::GetFileName(path).String()) + "|" +
+                        Directory::GetExtension(path).String() + "|" +
+                        Directory::GetPath(path).String() + "|";
+    split += Directory::GetParent(path).String();  // before the path it changes is read
+    EXPECT_EQ(split + "|" + path.String(), parts) << text;
   }
 }
 

@@ -1,5 +1,4 @@
-// Shared test helpers: a scoped temporary directory, whole-file reads and writes, and a runner
-// that starts a program with a chosen environment and captures its output and status.
+// Shared test helpers: a scoped temporary directory, whole files, and a program runner.
 #ifndef SYNTHCALL_TESTS_TEST_UTIL_H
 #define SYNTHCALL_TESTS_TEST_UTIL_H
 
@@ -35,9 +34,9 @@ struct RunResult {
   int signal = 0;   // the signal that ended the process, if any
 };
 
-// Runs `program` with `args` (argv[1]...) in `directory` (when not empty). The environment is the
-// test's own, with each "NAME=value" of `env` set and each bare "NAME" removed. Standard input is
-// /dev/null; the umask is 002.
+// Runs `program` with `args` (argv[1]...) in `directory` (when not empty), with the test's own
+// environment but each "NAME=value" of `env` set and each bare "NAME" removed, in that order.
+// Standard input is /dev/null; the umask is 002.
 RunResult Run(const std::string& program, const std::vector<std::string>& args,
               const std::string& directory = "", const std::vector<std::string>& env = {});
 
