@@ -125,7 +125,8 @@ void Parser::SkipBack(char sep) {
   if (position > start) --position;
   if (position > start && *position == sep) --position;
   while (position > start && *position != sep) --position;
-  if (*position == sep) ++position;
+  // A NUL separator matches the terminator of an empty text, which must not be stepped past.
+  if (*position == sep && !AtEnd()) ++position;
 }
 
 // A piece of length n goes into t's buffer when it fits; otherwise t gets a new buffer of 2 n
