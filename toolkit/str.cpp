@@ -22,6 +22,57 @@ constexpr int kKeptDigits = 15;
 constexpr int kLowestPlainExponent = -6;
 constexpr int kHighestPlainExponent = 15;
 
+// The hundred two-digit texts "00" to "99", so that integers are written two digits at a time.
+struct DigitPairs {
+  char text[200];
+};
+
+constexpr DigitPairs MakeDigitPairs() {
+  DigitPairs pairs{};
+  for (int k = 0; k < 100; ++k) {
+    pairs.text[2 * k] = static_cast<char>('0' + k / 10);
+    pairs.text[2 * k + 1] = static_cast<char>('0' + k % 10);
+  }
+  return pairs;
+}
+
+constexpr DigitPairs kDigitPairs = MakeDigitPairs();
+
+// Decimal digits of v, looked at four at a time so that most numbers take one round.
+int DigitCount(unsigned long v) {
+  for (int count = 1;; count += 4) {
+    if (v < 10) return count;
+    if (v < 100) return count + 1;
+    if (v < 1000) return count + 2;
+    if (v < 10000) return count + 3;
+    v /= 10000;
+  }
+}
+
+// Puts the two digits of `pair` (0..99) just before `end` and returns their start.
+char* PutPairBefore(char* end, unsigned pair) {
+  std::memcpy(end - 2, kDigitPairs.text + 2 * pair, 2);
+  return end - 2;
+}
+
+// Writes the decimal digits of v so that the last one lands just before `end`: four digits per
+// division, then two from the table at a time.
+void PutDigitsBefore(unsigned long v, char* end) {
+  for (; v >= 10000; v /= 10000) {
+    const auto four = static_cast<unsigned>(v % 10000);
+    end = PutPairBefore(PutPairBefore(end, four % 100), four / 100);
+  }
+  auto rest = static_cast<unsigned>(v);
+  if (rest >= 100) {
+    end = PutPairBefore(end, rest % 100);
+    rest /= 100;
+  }
+  if (rest >= 10)
+    PutPairBefore(end, rest);
+  else
+    end[-1] = static_cast<char>('0' + rest);
+}
+
 int PutLiteral(const char* literal, char* text) {
   long n = std::strlen(literal);
   std::memcpy(text, literal, n + 1);
@@ -142,20 +193,15 @@ void Str::NvError() { throw "ERROR: String parameter is invalid"; }
 
 // ---- Number to text -------------------------------------------------------------------------
 
-// The magnitude is taken in unsigned arithmetic, so the most negative long comes out right.
+// The magnitude is taken in unsigned arithmetic, so the most negative long comes out right. The
+// length is known first, so the digits go straight to their places, units first, two at a time.
 int Str::ConvertInteger(long value, char* text) {
   unsigned long magnitude =
       value < 0 ? 0UL - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
-  char reversed[kNumberTextSize];
-  int count = 0;
-  do {
-    reversed[count++] = static_cast<char>('0' + magnitude % 10);
-    magnitude /= 10;
-  } while (magnitude != 0);
-  int n = 0;
-  if (value < 0) text[n++] = '-';
-  while (count > 0) text[n++] = reversed[--count];
+  const int n = (value < 0 ? 1 : 0) + DigitCount(magnitude);
+  text[0] = '-';  // the leading digit replaces it when the value is not negative
   text[n] = '\0';
+  PutDigitsBefore(magnitude, text + n);
   return n;
 }
 
@@ -398,11 +444,20 @@ void Str::Copy(const char* s, long n) {
 
 // ---- Append ---------------------------------------------------------------------------------
 
-// Append doubles the buffer when the new text does not fit; AppendBytes does the work.
+// Append doubles the buffer when the new text does not fit; AppendBytes does the work. A single
+// character that fits, the usual case of a text built one character at a time, is stored in place.
 void Str::Append(const Str& s) { AppendBytes(s.string, s.length); }
 void Str::Append(const Str* s) { AppendBytes(s->string, s->length); }
 void Str::Append(const char* s) { AppendBytes(s, std::strlen(s)); }
-void Str::Append(char c) { AppendBytes(&c, 1); }
+
+void Str::Append(char c) {
+  if (length + 1 >= size) {
+    AppendBytes(&c, 1);
+    return;
+  }
+  string[length++] = c;
+  string[length] = '\0';
+}
 
 void Str::Append(long n) {
   char text[kNumberTextSize];
