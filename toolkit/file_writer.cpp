@@ -80,10 +80,7 @@ bool FileWriter::Check(const char* path) {
 void FileWriter::Append(const Str& s) { BlockAppend(s.String(), s.Length()); }
 void FileWriter::Append(const char* s) { BlockAppend(s, TextLength(s)); }
 void FileWriter::Append(char c) { PutByte(c); }
-void FileWriter::Append(long n) {
-  NumberText t(n);
-  BlockAppend(t.text, t.length);
-}
+void FileWriter::Append(long n) { DecimalAppend(n); }
 void FileWriter::Append(double x) {
   NumberText t(x);
   BlockAppend(t.text, t.length);
@@ -91,13 +88,10 @@ void FileWriter::Append(double x) {
 void FileWriter::AppendLine() { StoreByte('\n'); }
 void FileWriter::AppendLine(const Str& s) { LineAppend(s.String(), s.Length()); }
 void FileWriter::AppendLine(const char* s) { LineAppend(s, TextLength(s)); }
-void FileWriter::AppendLine(char c) {
-  StoreByte(c);
-  StoreByte('\n');
-}
+void FileWriter::AppendLine(char c) { StoreBytes(c, '\n'); }
 void FileWriter::AppendLine(long n) {
-  NumberText t(n);
-  LineAppend(t.text, t.length);
+  DecimalAppend(n);
+  StoreByte('\n');
 }
 void FileWriter::AppendLine(double x) {
   NumberText t(x);
@@ -114,13 +108,10 @@ void FileWriter::AppendToken(const Str& s, char separator) {
 void FileWriter::AppendToken(const char* s, char separator) {
   TokenAppend(s, TextLength(s), separator);
 }
-void FileWriter::AppendToken(char c, char separator) {
-  StoreByte(c);
-  StoreByte(separator);
-}
+void FileWriter::AppendToken(char c, char separator) { StoreBytes(c, separator); }
 void FileWriter::AppendToken(long n, char separator) {
-  NumberText t(n);
-  TokenAppend(t.text, t.length, separator);
+  DecimalAppend(n);
+  StoreByte(separator);
 }
 void FileWriter::AppendToken(double x, char separator) {
   NumberText t(x);
@@ -129,9 +120,9 @@ void FileWriter::AppendToken(double x, char separator) {
 
 // Raw bytes, zero bytes included.
 void FileWriter::AppendByte(char c) { PutByte(c); }
-void FileWriter::AppendByte(const char* p, long n) { CopyIn(p, n, false); }
+void FileWriter::AppendByte(const char* p, long n) { BlockAppend(p, n); }
 void FileWriter::AppendByte(unsigned char c) { PutByte(c); }
-void FileWriter::AppendByte(const unsigned char* p, long n) { CopyIn(p, n, false); }
+void FileWriter::AppendByte(const unsigned char* p, long n) { BlockAppend(p, n); }
 
 void FileWriter::LineAppend(const char* text, long n) {
   BlockAppend(text, n);
@@ -141,6 +132,22 @@ void FileWriter::LineAppend(const char* text, long n) {
 void FileWriter::TokenAppend(const char* text, long n, char separator) {
   BlockAppend(text, n);
   StoreByte(separator);
+}
+
+// With room to spare, the number is converted right into the buffer instead of being copied
+// there. The converter's terminator lands on the byte after the text, which is not pending; it
+// is put back as it was, since RemoveEndBlankLines may look at the bytes past the pending ones.
+void FileWriter::DecimalAppend(long n) {
+  if (end - cursor <= Str::kNumberTextSize) {
+    NumberText t(n);
+    BlockAppend(t.text, t.length);
+    return;
+  }
+  unsigned char after[Str::kNumberTextSize];
+  std::memcpy(after, cursor, sizeof after);
+  const int length = Str::ConvertInteger(n, reinterpret_cast<char*>(cursor));
+  cursor[length] = after[length];
+  cursor += length;
 }
 
 void FileWriter::WriteOut(const unsigned char* p, long n) {
@@ -205,7 +212,7 @@ void FileWriter::FillAppend(unsigned char c, long n) {
 
 // A buffer left full by PutByte or a binary value is written before the store, so that nothing
 // lands past its end; the bytes reaching the file are the same.
-void FileWriter::StoreByte(unsigned char c) {
+void FileWriter::StoreByteAtEnd(unsigned char c) {
   if (!buffer) {
     failed = true;
     return;
@@ -215,7 +222,7 @@ void FileWriter::StoreByte(unsigned char c) {
   if (cursor == end) WriteBuffer();
 }
 
-void FileWriter::PutByte(unsigned char c) {
+void FileWriter::PutByteAtEnd(unsigned char c) {
   if (!buffer) {
     failed = true;
     return;

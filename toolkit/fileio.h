@@ -6,6 +6,8 @@
 #ifndef SYNTHCALL_TOOLKIT_FILEIO_H
 #define SYNTHCALL_TOOLKIT_FILEIO_H
 
+#include <cstring>
+
 #include "toolkit/str.h"
 
 // Buffered input file. The file is read in whole blocks of `size` bytes; characters, tokens,
@@ -168,12 +170,48 @@ class FileWriter {
   // The one copy loop. Text and blocks never leave the buffer full; binary values
   // (keepFull) may, and the next append writes it out first.
   void CopyIn(const void* data, long n, bool keepFull);
-  void BlockAppend(const char* text, long n) { CopyIn(text, n, false); }
   void FillAppend(unsigned char c, long n);
   void LineAppend(const char* text, long n);
   void TokenAppend(const char* text, long n, char separator);
-  void StoreByte(unsigned char c);             // written when the buffer becomes full
-  void PutByte(unsigned char c);               // written when a byte finds the buffer full
+  void DecimalAppend(long n);  // the text of n, as Str::ConvertInteger gives it
+
+  // Most appends are a few bytes into a buffer with room to spare; those are copied here, inline.
+  // Whatever reaches the end of the buffer, or finds no buffer, goes the long way: CopyIn, or the
+  // single-byte stores below, which keep the exact rules of when a buffer is written.
+  void BlockAppend(const void* data, long n) {
+    if (static_cast<unsigned long>(n) < static_cast<unsigned long>(end - cursor)) {
+      std::memcpy(cursor, data, n);
+      cursor += n;
+    } else {
+      CopyIn(data, n, false);
+    }
+  }
+  void StoreByte(unsigned char c) {  // written when the buffer becomes full
+    if (end - cursor > 1)
+      *cursor++ = c;
+    else
+      StoreByteAtEnd(c);
+  }
+  void StoreBytes(unsigned char first, unsigned char second) {  // StoreByte of each
+    unsigned char* at = cursor;
+    if (end - at > 2) {
+      at[0] = first;
+      at[1] = second;
+      cursor = at + 2;
+    } else {
+      StoreByte(first);
+      StoreByte(second);
+    }
+  }
+  void PutByte(unsigned char c) {  // written when a byte finds the buffer full
+    if (cursor < end)
+      *cursor++ = c;
+    else
+      PutByteAtEnd(c);
+  }
+  void StoreByteAtEnd(unsigned char c);
+  void PutByteAtEnd(unsigned char c);
+
   void IntegerAppend(unsigned long v, int k);  // the low k bytes, most significant first
   void FieldAppend(const char* text, long n, long width);
   void JustifiedAppend(const char* text, long n, long width, bool right);
