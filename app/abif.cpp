@@ -92,44 +92,69 @@ constexpr Template MakeTemplate() {
 
 constexpr Template kTemplate = MakeTemplate();
 
-// A base's 24-byte slot in one channel array (samples 5 + 12i .. 16 + 12i), indexed by
-// [the previous base was drawn here][this base is drawn here].
+// A base's 24-byte slot in one channel array (samples 5 + 12i .. 16 + 12i) depends only on
+// whether this base and the one before it are drawn in that channel. A channel is written four
+// slots per copy from a table of every group of four, indexed by [the base before the group was
+// drawn here][bit k: base k of the group is drawn here]. The first slots of an entry serve for a
+// shorter group at the end of the sequence.
 constexpr long kSlotSize = kSamplesPerBase * kBytesPerHeight;
+constexpr int kGroup = 4;
+constexpr long kGroupSize = kGroup * kSlotSize;
 
-struct SlotTable {
-  unsigned char slot[2][2][kSlotSize];
+struct GroupTable {
+  unsigned char slots[2][1 << kGroup][kGroupSize];
 };
 
-constexpr SlotTable MakeSlotTable() {
-  SlotTable table{};
+constexpr GroupTable MakeGroupTable() {
+  GroupTable table{};
   for (int previous = 0; previous < 2; ++previous) {
-    for (int own = 0; own < 2; ++own) {
-      unsigned char* p = table.slot[previous][own];
-      for (long k = 0; k < kSamplesPerBase; ++k) {
-        p = PutUint16(p, trace::SlotHeight(own, previous, k));
+    for (int mask = 0; mask < (1 << kGroup); ++mask) {
+      unsigned char* p = table.slots[previous][mask];
+      bool before = previous;
+      for (int k = 0; k < kGroup; ++k) {
+        const bool here = (mask >> k) & 1;
+        for (long s = 0; s < kSamplesPerBase; ++s) {
+          p = PutUint16(p, trace::SlotHeight(here, before, s));
+        }
+        before = here;
       }
     }
   }
   return table;
 }
 
-constexpr SlotTable kSlots = MakeSlotTable();
+constexpr GroupTable kGroups = MakeGroupTable();
 constexpr long kTailSamples = kSamplesPerBase - trace::kAbifFirstPeak;
 
-// An unknown letter is drawn in the channel of the last A, C, G or T before it; before the first
-// of them there is no such channel and the slot stays empty.
+// Which of the `count` bases at `bases` are drawn in `channel`, base k in bit k. An unknown
+// letter is drawn in the channel of the last A, C, G or T before it, carried in `drawn`; before
+// the first of them there is no such channel and the slot stays empty.
+int DrawnMask(const char* bases, long count, int channel, int& drawn) {
+  int mask = 0;
+  for (long k = 0; k < count; ++k) {
+    const int own = trace::BaseChannel(bases[k]);
+    if (own != kNoChannel) drawn = own;
+    mask |= (drawn == channel) << k;
+  }
+  return mask;
+}
+
 void PutChannel(trace::ChunkWriter& out, int channel, const char* bases, long n) {
   out.Fill(0, trace::kAbifFirstPeak * kBytesPerHeight);
   int drawn = kNoChannel;
-  bool previous = false;
-  for (long i = 0; i < n; ++i) {
-    const int own = trace::BaseChannel(bases[i]);
-    if (own != kNoChannel) drawn = own;
-    const bool here = drawn == channel;
-    out.Put(kSlots.slot[previous][here], kSlotSize);
-    previous = here;
+  int previous = 0;
+  long i = 0;
+  for (; i + kGroup <= n; i += kGroup) {
+    const int mask = DrawnMask(bases + i, kGroup, channel, drawn);
+    out.Put(kGroups.slots[previous][mask], kGroupSize);
+    previous = mask >> (kGroup - 1);
   }
-  out.Put(kSlots.slot[previous][false], kBytesPerHeight);
+  const long rest = n - i;
+  const int mask = DrawnMask(bases + i, rest, channel, drawn);
+  out.Put(kGroups.slots[previous][mask], rest * kSlotSize);
+  if (rest > 0) previous = (mask >> (rest - 1)) & 1;
+  // The first sample after the last slot holds the closing height of a peak drawn there.
+  out.Put(kGroups.slots[previous][0], kBytesPerHeight);
   out.Fill(0, (kTailSamples - 1) * kBytesPerHeight);
 }
 

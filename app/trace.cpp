@@ -12,7 +12,7 @@ unsigned char* ChunkWriter::Room(long& n) {
   return at;
 }
 
-void ChunkWriter::Put(const unsigned char* bytes, long n) {
+void ChunkWriter::PutAcross(const unsigned char* bytes, long n) {
   while (n > 0) {
     long part = n;
     unsigned char* at = Room(part);

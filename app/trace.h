@@ -11,6 +11,8 @@
 #ifndef SYNTHCALL_APP_TRACE_H
 #define SYNTHCALL_APP_TRACE_H
 
+#include <cstring>
+
 #include "toolkit/fileio.h"
 
 namespace trace {
@@ -87,8 +89,16 @@ class ChunkWriter {
   ChunkWriter(const ChunkWriter&) = delete;
   ChunkWriter& operator=(const ChunkWriter&) = delete;
 
-  // Appends n bytes copied from `bytes`, or n copies of `c`.
-  void Put(const unsigned char* bytes, long n);
+  // Appends n bytes copied from `bytes`, or n copies of `c`. Most pieces are one base's slot and
+  // fit into the chunk as they are; those are copied inline.
+  void Put(const unsigned char* bytes, long n) {
+    if (static_cast<unsigned long>(n) <= static_cast<unsigned long>(kSize - used)) {
+      std::memcpy(chunk + used, bytes, n);
+      used += n;
+    } else {
+      PutAcross(bytes, n);
+    }
+  }
   void Fill(unsigned char c, long n);
   void Flush();
 
@@ -98,6 +108,7 @@ class ChunkWriter {
   long used = 0;
   unsigned char chunk[kSize];
 
+  void PutAcross(const unsigned char* bytes, long n);  // a piece larger than the room left
   unsigned char* Room(long& n);  // where up to n bytes go now; n is cut to what fits
 };
 

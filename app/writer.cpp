@@ -34,24 +34,17 @@ constexpr char kPhdEnd[] = "END_DNA\nEND_SEQUENCE";  // the file ends without a 
 constexpr char kPolyHeader[] = " 1 1 1 1 1\n";
 constexpr char kPolyPeak[] = " 300000 1 N  -1  -1 -1 ";
 
-struct AreaField {
-  char base;
-  const char* areas;
+// The area field of each channel, in the channel order A, C, G, T, and last the one of the
+// letters without a channel of their own.
+constexpr const char* kAreaFields[trace::kChannels + 1] = {
+    "60000 0 0 0\n",  // A
+    "0 60000 0 0\n",  // C
+    "0 0 60000 0\n",  // G
+    "0 0 0 60000\n",  // T
+    "0 0 0 0\n",      // any other letter
 };
 
-constexpr AreaField kAreaFields[] = {
-    {'A', "60000 0 0 0\n"},
-    {'C', "0 60000 0 0\n"},
-    {'G', "0 0 60000 0\n"},
-    {'T', "0 0 0 60000\n"},
-};
-constexpr char kNoArea[] = "0 0 0 0\n";  // letters without a channel of their own
-
-const char* AreasOf(char base) {
-  for (const AreaField& field : kAreaFields)
-    if (field.base == base) return field.areas;
-  return kNoArea;
-}
+const char* AreasOf(char base) { return kAreaFields[trace::BaseChannel(base)]; }
 
 // The directory when its owner may use it as asked, else the project root itself.
 Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
