@@ -2,7 +2,7 @@
 #   make demo   builds synthcall and runs it on the bundled example in a scratch project tree
 #   make test   builds everything and runs every test
 #   make bench  builds a Release synthcall in build-bench/ and measures it (bench/README.md)
-#   make scale  runs the long scale checks (tests/scale/), which the default test run leaves out
+#   make scale  runs the long scale checks (bench/scale_check.py), which the test run leaves out
 #   make sanitize    runs every test against a build with AddressSanitizer and UBSan (build-asan/)
 #   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/) and runs each for 15 s
 #   make check       make test, then make sanitize, then make fuzz-smoke: what CI runs
@@ -41,7 +41,7 @@ bench:
 scale:
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DSYNTHCALL_TESTS=OFF
 	cmake --build $(BENCH_BUILD) -j$(JOBS) --target synthcall
-	python3 tests/scale/scale_check.py $(BENCH_BUILD)/synthcall
+	python3 bench/scale_check.py $(BENCH_BUILD)/synthcall
 
 # The end-to-end tests run the sanitized synthcall too. The missing-poly_dir tests expect the
 # SIGABRT of an uncaught exception, which ASan must leave alone (handle_abort=0).
