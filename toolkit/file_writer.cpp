@@ -10,17 +10,7 @@
 
 #include "toolkit/fileio.h"
 
-namespace {
-
-// A number's text on the stack, so that no number append allocates.
-struct NumberText {
-  explicit NumberText(long n) : length(Str::ConvertInteger(n, text)) {}
-  explicit NumberText(double x) : length(Str::ConvertFloat(x, text)) {}
-  char text[Str::kNumberTextSize];
-  int length;
-};
-
-}  // namespace
+using NumberText = Str::NumberText;
 
 long FileWriter::TextLength(const char* s) { return s ? static_cast<long>(std::strlen(s)) : 0; }
 

@@ -69,12 +69,12 @@ void FileWriter::Append(const char* s, long width, bool right) {
 }
 void FileWriter::Append(char c, long width, bool right) { JustifiedAppend(&c, 1, width, right); }
 void FileWriter::Append(long n, long width, bool right) {
-  char text[Str::kNumberTextSize];
-  JustifiedAppend(text, Str::ConvertInteger(n, text), width, right);
+  const Str::NumberText t(n);
+  JustifiedAppend(t.text, t.length, width, right);
 }
 void FileWriter::Append(double x, long width, bool right) {
-  char text[Str::kNumberTextSize];
-  JustifiedAppend(text, Str::ConvertFloat(x, text), width, right);
+  const Str::NumberText t(x);
+  JustifiedAppend(t.text, t.length, width, right);
 }
 
 void FileWriter::FieldAppend(const char* text, long n, long width) {

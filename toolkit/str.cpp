@@ -409,14 +409,14 @@ Str& Str::operator=(char c) {
 }
 
 Str& Str::operator=(long n) {
-  char text[kNumberTextSize];
-  AssignText(text, ConvertInteger(n, text));
+  const NumberText t(n);
+  AssignText(t.text, t.length);
   return *this;
 }
 
 Str& Str::operator=(double x) {
-  char text[kNumberTextSize];
-  AssignText(text, ConvertFloat(x, text));
+  const NumberText t(x);
+  AssignText(t.text, t.length);
   return *this;
 }
 
@@ -428,13 +428,13 @@ void Str::Copy(const char* s) { CopyText(s, std::strlen(s)); }
 void Str::Copy(char c) { CopyText(&c, 1); }
 
 void Str::Copy(long n) {
-  char text[kNumberTextSize];
-  CopyText(text, ConvertInteger(n, text));
+  const NumberText t(n);
+  CopyText(t.text, t.length);
 }
 
 void Str::Copy(double x) {
-  char text[kNumberTextSize];
-  CopyText(text, ConvertFloat(x, text));
+  const NumberText t(x);
+  CopyText(t.text, t.length);
 }
 
 void Str::Copy(const char* s, long n) {
@@ -460,13 +460,13 @@ void Str::Append(char c) {
 }
 
 void Str::Append(long n) {
-  char text[kNumberTextSize];
-  AppendBytes(text, ConvertInteger(n, text));
+  const NumberText t(n);
+  AppendBytes(t.text, t.length);
 }
 
 void Str::Append(double x) {
-  char text[kNumberTextSize];
-  AppendBytes(text, ConvertFloat(x, text));
+  const NumberText t(x);
+  AppendBytes(t.text, t.length);
 }
 
 void Str::AppendBytes(const char* bytes, long n) {

@@ -33,6 +33,14 @@ class Str {
   static int ConvertInteger(long value, char* text);
   static int ConvertFloat(double value, char* text);
 
+  // A number's text on the stack, so that no numeric overload allocates.
+  struct NumberText {
+    explicit NumberText(long n) : length(ConvertInteger(n, text)) {}
+    explicit NumberText(double x) : length(ConvertFloat(x, text)) {}
+    char text[kNumberTextSize];
+    int length;
+  };
+
   // Construction. Str(n) makes room for n characters (size n + 1; size 1 when n < 0). The copy
   // constructors keep the source's capacity.
   Str();

@@ -154,13 +154,13 @@ void Str::AppendLine(const char* x) { AppendTokenText(x, std::strlen(x), '\n'); 
 void Str::AppendLine(char c) { AppendTokenText(&c, 1, '\n'); }
 
 void Str::AppendLine(long n) {
-  char text[kNumberTextSize];
-  AppendTokenText(text, ConvertInteger(n, text), '\n');
+  const NumberText t(n);
+  AppendTokenText(t.text, t.length, '\n');
 }
 
 void Str::AppendLine(double x) {
-  char text[kNumberTextSize];
-  AppendTokenText(text, ConvertFloat(x, text), '\n');
+  const NumberText t(x);
+  AppendTokenText(t.text, t.length, '\n');
 }
 
 // << is Append that can be chained.
@@ -213,14 +213,14 @@ Str& Str::operator+=(char c) {
 }
 
 Str& Str::operator+=(long n) {
-  char text[kNumberTextSize];
-  AddAssignText(text, ConvertInteger(n, text));
+  const NumberText t(n);
+  AddAssignText(t.text, t.length);
   return *this;
 }
 
 Str& Str::operator+=(double x) {
-  char text[kNumberTextSize];
-  AddAssignText(text, ConvertFloat(x, text));
+  const NumberText t(x);
+  AddAssignText(t.text, t.length);
   return *this;
 }
 
@@ -246,13 +246,13 @@ Str Str::operator+(const char* x) const { return JoinText(x, std::strlen(x)); }
 Str Str::operator+(char c) const { return JoinText(&c, 1); }
 
 Str Str::operator+(long n) const {
-  char text[kNumberTextSize];
-  return JoinText(text, ConvertInteger(n, text));
+  const NumberText t(n);
+  return JoinText(t.text, t.length);
 }
 
 Str Str::operator+(double x) const {
-  char text[kNumberTextSize];
-  return JoinText(text, ConvertFloat(x, text));
+  const NumberText t(x);
+  return JoinText(t.text, t.length);
 }
 
 Str Str::JoinText(const char* text, long n) const {
@@ -344,13 +344,13 @@ void Str::ReplaceEnd(const char* x, long pos) { ReplaceEndText(x, std::strlen(x)
 void Str::ReplaceEnd(char c, long pos) { ReplaceEndText(&c, 1, pos); }
 
 void Str::ReplaceEnd(long n, long pos) {
-  char text[kNumberTextSize];
-  ReplaceEndText(text, ConvertInteger(n, text), pos);
+  const NumberText t(n);
+  ReplaceEndText(t.text, t.length, pos);
 }
 
 void Str::ReplaceEnd(double x, long pos) {
-  char text[kNumberTextSize];
-  ReplaceEndText(text, ConvertFloat(x, text), pos);
+  const NumberText t(x);
+  ReplaceEndText(t.text, t.length, pos);
 }
 
 void Str::ReplaceEndText(const char* text, long n, long pos) {

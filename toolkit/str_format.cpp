@@ -109,12 +109,12 @@ void Str::CopyToken(const Str* x, char sep) { CopyTokenText(x->string, x->length
 void Str::CopyToken(const char* x, char sep) { CopyTokenText(x, std::strlen(x), sep); }
 void Str::CopyToken(char c, char sep) { CopyTokenText(&c, 1, sep); }
 void Str::CopyToken(long n, char sep) {
-  char text[kNumberTextSize];
-  CopyTokenText(text, ConvertInteger(n, text), sep);
+  const NumberText t(n);
+  CopyTokenText(t.text, t.length, sep);
 }
 void Str::CopyToken(double x, char sep) {
-  char text[kNumberTextSize];
-  CopyTokenText(text, ConvertFloat(x, text), sep);
+  const NumberText t(x);
+  CopyTokenText(t.text, t.length, sep);
 }
 
 // AppendToken appends the value and its separator, a blank unless one is given.
@@ -128,12 +128,12 @@ void Str::AppendToken(const Str* x, char sep) { AppendTokenText(x->string, x->le
 void Str::AppendToken(const char* x, char sep) { AppendTokenText(x, std::strlen(x), sep); }
 void Str::AppendToken(char c, char sep) { AppendTokenText(&c, 1, sep); }
 void Str::AppendToken(long n, char sep) {
-  char text[kNumberTextSize];
-  AppendTokenText(text, ConvertInteger(n, text), sep);
+  const NumberText t(n);
+  AppendTokenText(t.text, t.length, sep);
 }
 void Str::AppendToken(double x, char sep) {
-  char text[kNumberTextSize];
-  AppendTokenText(text, ConvertFloat(x, text), sep);
+  const NumberText t(x);
+  AppendTokenText(t.text, t.length, sep);
 }
 
 // CopyToken grows like Append, to twice the new length, although it replaces the text; for a
@@ -161,8 +161,8 @@ void Str::CopyField(char c, long width, const char* format) {
   TextField(&c, 1, width, format, false);
 }
 void Str::CopyField(long n, long width, const char* format) {
-  char text[kNumberTextSize];
-  NumberField(text, ConvertInteger(n, text), width, format, false, false);
+  const NumberText t(n);
+  NumberField(t.text, t.length, width, format, false, false);
 }
 void Str::CopyField(double x, long width, const char* format) {
   char text[kNumberTextSize];
@@ -183,8 +183,8 @@ void Str::AppendField(char c, long width, const char* format) {
   TextField(&c, 1, width, format, true);
 }
 void Str::AppendField(long n, long width, const char* format) {
-  char text[kNumberTextSize];
-  NumberField(text, ConvertInteger(n, text), width, format, true, false);
+  const NumberText t(n);
+  NumberField(t.text, t.length, width, format, true, false);
 }
 void Str::AppendField(double x, long width, const char* format) {
   char text[kNumberTextSize];
