@@ -13,8 +13,7 @@
 
 namespace {
 
-// The C locale's space class. Bytes from 0x80 up are negative as signed chars and never space.
-bool IsSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool IsSpace(unsigned char c) { return Str::IsSpace(static_cast<char>(c)); }
 
 void Take(Str& target, const unsigned char* from, const unsigned char* to) {
   if (to > from) target.AppendBytes(reinterpret_cast<const char*>(from), to - from);

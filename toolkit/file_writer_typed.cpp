@@ -7,13 +7,6 @@
 
 static_assert(sizeof(float) == 4 && sizeof(double) == 8, "IEEE 754 single and double expected");
 
-namespace {
-
-// The C locale's space class, as FileReader classifies bytes.
-bool IsSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-}  // namespace
-
 // Integers go out most significant byte first whatever the host, shorts as 2 bytes and longs as
 // their low 4 bytes; the chromatogram readers expect exactly that.
 void FileWriter::AppendInteger(short v) { IntegerAppend(static_cast<unsigned short>(v), 2); }
@@ -125,7 +118,7 @@ void FileWriter::RemoveEndBlankLines() {
   if (cursor <= buffer) return;
   do {
     --cursor;
-  } while (cursor > buffer && IsSpace(*cursor));
+  } while (cursor > buffer && Str::IsSpace(static_cast<char>(*cursor)));
   do {
     if (++cursor >= end) return;
   } while (*cursor != '\n');

@@ -1,21 +1,8 @@
 // The read cursor over a Str. Every "end" test looks for the NUL at the position, and no
 // operation steps outside the string's buffer except GetNext, which trusts its caller.
-#include <cctype>
 #include <cstring>
 
 #include "toolkit/str.h"
-
-namespace {
-
-// The C locale's space class on the character taken as signed: bytes 128-255 are negative and
-// never white space, and they must not reach isspace, which is defined only for EOF and
-// unsigned char values.
-bool IsWhite(char c) {
-  const int value = static_cast<signed char>(c);
-  return value >= 0 && std::isspace(value) != 0;
-}
-
-}  // namespace
 
 Parser::Parser() : source(nullptr), position(nullptr) {}
 
@@ -48,7 +35,7 @@ bool Parser::SkipSpaces() {
 }
 
 void Parser::SkipWhite() {
-  while (!AtEnd() && IsWhite(*position)) ++position;
+  while (!AtEnd() && Str::IsSpace(*position)) ++position;
 }
 
 void Parser::SkipToChar(char c) {
@@ -95,7 +82,7 @@ bool Parser::SkipToken(int n) {
   for (int i = 0; i < n; ++i) {
     SkipWhite();
     if (AtEnd()) return false;
-    while (!AtEnd() && !IsWhite(*position)) ++position;
+    while (!AtEnd() && !Str::IsSpace(*position)) ++position;
   }
   return true;
 }
@@ -115,9 +102,9 @@ bool Parser::SkipLine(int n) { return SkipToken('\n', n); }
 void Parser::SkipBack() {
   char* const start = Start();
   if (position > start) --position;
-  while (position > start && IsWhite(*position)) --position;
-  while (position > start && !IsWhite(*position)) --position;
-  if (IsWhite(*position)) ++position;
+  while (position > start && Str::IsSpace(*position)) --position;
+  while (position > start && !Str::IsSpace(*position)) --position;
+  if (Str::IsSpace(*position)) ++position;
 }
 
 void Parser::SkipBack(char sep) {
@@ -144,7 +131,7 @@ bool Parser::GetToken(Str& t) {
     return false;
   }
   const char* const from = position;
-  while (!AtEnd() && !IsWhite(*position)) ++position;
+  while (!AtEnd() && !Str::IsSpace(*position)) ++position;
   Take(t, from, position - from);
   if (!AtEnd()) ++position;
   return true;
@@ -214,11 +201,11 @@ bool Parser::WordWrap(Str& t, long width) {
     ++position;
   }
   if (!AtEnd() && !newline) {
-    if (IsWhite(*position)) {
-      while (!AtEnd() && IsWhite(*position)) ++position;
+    if (Str::IsSpace(*position)) {
+      while (!AtEnd() && Str::IsSpace(*position)) ++position;
     } else {
       --position;
-      while (position > start && !IsWhite(*position)) --position;
+      while (position > start && !Str::IsSpace(*position)) --position;
       if (position == start) {
         position = start + width;
       } else {

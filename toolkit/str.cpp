@@ -357,7 +357,7 @@ char Str::Put(char c, long i) {
 
 bool Str::HasContent() const {
   for (long i = 0; i < length; ++i) {
-    if (!std::isspace(static_cast<unsigned char>(string[i]))) return true;
+    if (!IsSpace(string[i])) return true;
   }
   return false;
 }
@@ -387,7 +387,7 @@ bool Str::IsNumber() const {
     if (*p == '+' || *p == '-') ++p;
     if (!skipDigits()) return false;
   }
-  return *p == '\0' || std::isspace(*p);
+  return *p == '\0' || IsSpace(static_cast<char>(*p));
 }
 
 // ---- Assignment -----------------------------------------------------------------------------

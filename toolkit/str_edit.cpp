@@ -22,8 +22,6 @@ long Within(long pos, long last) {
   return pos;
 }
 
-bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-
 // True when p points into the buffer [begin, begin + size); such a source moves under an insert.
 bool Overlaps(const char* begin, long size, const char* p) {
   std::less_equal<const char*> before;
