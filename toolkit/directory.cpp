@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include "toolkit/fileio.h"
 
@@ -24,20 +23,18 @@ bool OpensAsDirectory(const char* path) {
   return true;
 }
 
-// An environment variable as a directory text ending in '/'; empty when it is not set.
+// A directory text ends in '/'; an empty text becomes "/".
+void EndWithSlash(Str& text) {
+  if (!text.CompareRight('/')) text.Append('/');
+}
+
+// An environment variable as a directory text; empty when it is not set.
 Str DirectoryVariable(const char* name) {
   const char* value = getenv(name);
   if (value == nullptr) return Str();
   Str text(value);
-  long n = text.Length();
-  if (n == 0 || value[n - 1] != '/') text.Append('/');
+  EndWithSlash(text);
   return text;
-}
-
-// Index of the last '/' in text, or -1.
-long LastSlash(const Str& text) {
-  const char* slash = strrchr(text.String(), '/');
-  return slash == nullptr ? -1 : static_cast<long>(slash - text.String());
 }
 
 // The first n characters of text as a new Str.
@@ -64,12 +61,10 @@ bool TakeNext(StrList& listing, Str& out) {
 
 }  // namespace
 
+// The lists own their names and delete them when they go.
 Directory::Directory() = default;
 
-Directory::~Directory() {
-  dirs.Clear();
-  files.Clear();
-}
+Directory::~Directory() = default;
 
 // The steps run in a fixed order and the first failure decides the code: the stream test comes
 // before lstat, so a symbolic link to a directory passes it and fails only at the mode test.
@@ -112,7 +107,7 @@ Str Directory::GetCurrentDirectory() { return DirectoryVariable("PWD"); }
 bool Directory::Open(const char* path, bool showHidden) {
   if (path == nullptr) return false;
   Str directory(path);
-  if (directory.Length() == 0 || path[directory.Length() - 1] != '/') directory.Append('/');
+  EndWithSlash(directory);
   DIR* stream = opendir(directory.String());
   if (stream == nullptr) return false;
   dirs.Clear();
@@ -143,21 +138,18 @@ bool Directory::GetNextDir(Str& out) { return TakeNext(dirs, out); }
 
 bool Directory::GetNextFile(Str& out) { return TakeNext(files, out); }
 
-Str Directory::GetFileName(Str& path) { return Str(path.String() + LastSlash(path) + 1); }
+Str Directory::GetFileName(Str& path) { return Str(path.String() + path.FindRight('/') + 1); }
 
 // A dot at index 0 starts a hidden name, not an extension.
 Str Directory::GetExtension(Str& path) {
-  const char* dot = strrchr(path.String(), '.');
-  if (dot == nullptr) return Str();
-  long index = static_cast<long>(dot - path.String());
-  if (index == 0 || index < LastSlash(path)) return Str();
-  return Str(dot + 1);
+  const long dot = path.FindRight('.');
+  if (dot <= 0 || dot < path.FindRight('/')) return Str();
+  return Str(path.String() + dot + 1);
 }
 
-Str Directory::GetPath(Str& path) { return Head(path, LastSlash(path) + 1); }
+Str Directory::GetPath(Str& path) { return Head(path, path.FindRight('/') + 1); }
 
 Str Directory::GetParent(Str& path) {
-  long n = path.Length();
-  if (n > 0 && path.String()[n - 1] == '/') path.DeleteRight(1);
-  return Head(path, LastSlash(path) + 1);
+  if (path.CompareRight('/')) path.DeleteRight(1);
+  return Head(path, path.FindRight('/') + 1);
 }
