@@ -7,8 +7,7 @@
 
 namespace {
 
-// English names as the phd files and log lines spell them, indexed like struct tm's tm_mon and
-// tm_wday.
+// English month and weekday names, indexed like struct tm's tm_mon and tm_wday.
 constexpr const char* kMonthNames[] = {
     "January",    // 0
     "February",   // 1
