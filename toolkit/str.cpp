@@ -345,12 +345,12 @@ void Str::SetLength(long n) {
 // ---- Access ---------------------------------------------------------------------------------
 
 char Str::Get(long i) const {
-  if (i < 0 || i >= length) RaError();
+  Within(i, length - 1);
   return string[i];
 }
 
 char Str::Put(char c, long i) {
-  if (i < 0 || i >= length) RaError();
+  Within(i, length - 1);
   string[i] = c;
   return c;
 }
@@ -438,7 +438,7 @@ void Str::Copy(double x) {
 }
 
 void Str::Copy(const char* s, long n) {
-  if (n < 0) NvError();
+  Counted(n);
   CopyText(s, n);
 }
 
@@ -470,7 +470,7 @@ void Str::Append(double x) {
 }
 
 void Str::AppendBytes(const char* bytes, long n) {
-  if (n < 0) NvError();
+  Counted(n);
   if (n > kMaxSize - 1 - length) AlError();
   std::unique_ptr<char[]> old = MakeRoom(length + n);
   std::memmove(string + length, bytes, n);
@@ -482,7 +482,7 @@ void Str::AppendToken(const char* x) { AppendTokenText(x, std::strlen(x), ' '); 
 
 // The separator counts in the new length that decides the growth.
 void Str::AppendTokenText(const char* text, long n, char sep) {
-  if (n < 0) NvError();
+  Counted(n);
   if (n > kMaxSize - 2 - length) AlError();
   std::unique_ptr<char[]> old = MakeRoom(length + n + 1);
   std::memmove(string + length, text, n);

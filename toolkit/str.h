@@ -14,6 +14,7 @@
 #ifndef SYNTHCALL_TOOLKIT_STR_H
 #define SYNTHCALL_TOOLKIT_STR_H
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 
@@ -27,6 +28,17 @@ class Str {
   [[noreturn]] static void AlError();  // "ERROR: String can not be allocated."
   [[noreturn]] static void RaError();  // "ERROR: String position is out of range"
   [[noreturn]] static void NvError();  // "ERROR: String parameter is invalid"
+
+  // The checks every family makes before it changes anything: a count must not be negative
+  // (NvError), a position must lie from 0 up to `last` (RaError). Each returns its argument.
+  static long Counted(long n) {
+    if (n < 0) NvError();
+    return n;
+  }
+  static long Within(long pos, long last) {
+    if (pos < 0 || pos > last) RaError();
+    return pos;
+  }
 
   // Number to text, shared by every numeric overload here and in FileWriter. Each writes the text
   // and its terminator into `text` (kNumberTextSize bytes) and returns the text's length.
@@ -295,6 +307,13 @@ class Str {
   // Sizes and lengths stay within 32 bits; a larger request is refused with AlError before any
   // allocation is tried.
   static constexpr long kMaxSize = 0x7FFFFFFF;
+
+  // True when p points into this string's own buffer: such a source moves or is overwritten when
+  // the string changes, so it is copied out first.
+  bool Holds(const char* p) const {
+    const std::less<const char*> before;
+    return !before(p, string) && before(p, string + size);
+  }
 
   // Buffer helpers. Each allocates the new buffer before releasing the old one, so a refused
   // allocation (AlError) leaves the string as it was.

@@ -5,28 +5,10 @@
 // parameter error), then the position, then the allocation.
 #include <cctype>
 #include <cstring>
-#include <functional>
 
 #include "toolkit/str.h"
 
 namespace {
-
-long Counted(long n) {
-  if (n < 0) Str::NvError();
-  return n;
-}
-
-// A position from 0 up to `last` inclusive; anything else is the position error.
-long Within(long pos, long last) {
-  if (pos < 0 || pos > last) Str::RaError();
-  return pos;
-}
-
-// True when p points into the buffer [begin, begin + size); such a source moves under an insert.
-bool Overlaps(const char* begin, long size, const char* p) {
-  std::less_equal<const char*> before;
-  return before(begin, p) && !before(begin + size, p);
-}
 
 // A run of characters taken from a source text.
 struct Part {
@@ -37,8 +19,8 @@ struct Part {
 // n characters of text from pos, pos being at most `last`. A count larger than what remains is
 // cut to it; with zeroMeansAll a count of 0 takes everything that remains.
 Part Range(const char* text, long length, long pos, long n, long last, bool zeroMeansAll) {
-  Counted(n);
-  Within(pos, last);
+  Str::Counted(n);
+  Str::Within(pos, last);
   long remaining = length - pos;
   if ((n == 0 && zeroMeansAll) || n > remaining) n = remaining;
   return Part{text + pos, n};
@@ -292,7 +274,7 @@ void Str::InsertLeft(char c) { InsertText(&c, 1, 0); }
 void Str::InsertText(const char* text, long n, long pos) {
   Within(pos, length);
   if (n > kMaxSize - 1 - length) AlError();
-  if (n > 0 && Overlaps(string, size, text)) {
+  if (n > 0 && Holds(text)) {
     Str copy(n);
     copy.AppendBytes(text, n);
     InsertText(copy.string, n, pos);

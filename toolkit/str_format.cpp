@@ -5,7 +5,6 @@
 // and the optional point are then written over the fill.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -35,13 +34,6 @@ int HexDigitValue(char c) {
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
-}
-
-// True when text points into buffer: a source that is the string itself must be copied before
-// the buffer is filled or moved.
-bool Inside(const char* text, const char* buffer, long size) {
-  const std::less<const char*> before;
-  return !before(text, buffer) && before(text, buffer + size);
 }
 
 // Where a value of n characters starts in a frame of the given width: left, right or centred
@@ -193,8 +185,8 @@ void Str::AppendField(double x, long width, const char* format) {
 
 // A character is a text of length 1: the same rule puts it at 0, width - 1 or width / 2.
 void Str::TextField(const char* text, long n, long width, const char* format, bool append) {
-  if (width < 0) NvError();
-  if (Inside(text, string, size)) {
+  Counted(width);
+  if (Holds(text)) {
     Str copy;
     copy.Copy(text, n);
     TextField(copy.string, n, width, format, append);
@@ -210,7 +202,7 @@ void Str::TextField(const char* text, long n, long width, const char* format, bo
 // digits, so "F0" gives fixed decimals.
 void Str::NumberField(const char* text, long n, long width, const char* format, bool append,
                       bool isDouble) {
-  if (width < 0) NvError();
+  Counted(width);
   const Formater f(format);
   char sign = f.sign;
   if (n > 0 && text[0] == '-') {
@@ -252,7 +244,7 @@ void Str::OpenField(long fieldWidth, char fill, bool append) {
 // Right justification always moves the text into a new buffer (at least as large as the old
 // one); left justification reuses the buffer when it has room.
 void Str::Justify(long width, bool right) {
-  if (width < 0) NvError();
+  Counted(width);
   if (length >= width) return;
   if (width > kMaxSize - 1) AlError();
   const long pad = width - length;

@@ -6,12 +6,6 @@
 
 namespace {
 
-// A position that must name a character of the text; anything else is the position error.
-long Inside(long pos, long length) {
-  if (pos < 0 || pos >= length) Str::RaError();
-  return pos;
-}
-
 // True when the n bytes of x stand in text at pos; false when they would run past the end.
 bool MatchAt(const char* text, long length, long pos, const char* x, long n) {
   return n <= length - pos && std::memcmp(text + pos, x, n) == 0;
@@ -68,15 +62,15 @@ bool Str::Compare(const Str* x) const { return Compare(*x); }
 bool Str::Compare(const char* x) const { return MatchAt(string, length, 0, x, std::strlen(x)); }
 bool Str::Compare(char c) const { return length > 0 && string[0] == c; }
 bool Str::Compare(const Str& x, long pos) {
-  return MatchAt(string, length, Inside(pos, length), x.string, x.length);
+  return MatchAt(string, length, Within(pos, length - 1), x.string, x.length);
 }
 bool Str::Compare(const Str* x, long pos) { return Compare(*x, pos); }
 
 bool Str::Compare(const char* x, long pos) {
-  return MatchAt(string, length, Inside(pos, length), x, std::strlen(x));
+  return MatchAt(string, length, Within(pos, length - 1), x, std::strlen(x));
 }
 
-bool Str::Compare(char c, long pos) { return string[Inside(pos, length)] == c; }
+bool Str::Compare(char c, long pos) { return string[Within(pos, length - 1)] == c; }
 
 // CompareRight is a suffix test that also asks for a text strictly longer than x.
 bool Str::CompareRight(const Str& x) const {
