@@ -48,8 +48,7 @@ const char* AreasOf(char base) { return kAreaFields[trace::BaseChannel(base)]; }
 
 // The directory when its owner may use it as asked, else the project root itself.
 Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
-  Str path(root);
-  path.Append(name);
+  const Str path = root + name;
   return directory.Check(path, true, mustWrite) ? path : root;
 }
 
@@ -72,8 +71,7 @@ void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool refer
   chromatDir = UsableOr(root, kChromatDir, true, directory);
   phdDir = UsableOr(root, kPhdDir, true, directory);
   // Only reading is required of poly_dir/, and it is required in every run, reference or not.
-  Str poly(root);
-  poly.Append(kPolyDir);
+  const Str poly = root + kPolyDir;
   if (!directory.Check(poly, true, false)) throw 1;
   polyDir = poly;
 }
@@ -111,8 +109,7 @@ void Writer::CleanSequence(const Str& sequence, Str& bases) {
 // the directory.
 void Writer::WriteChromat(const Str& bases, Str& chromatName) {
   if (!abi) chromatName.Append(".scf");
-  Str path(chromatDir);
-  path.Append(chromatName);
+  const Str path = chromatDir + chromatName;
   OpenFile(kChromatAnnouncement, path);
   if (abi)
     WriteAbif(file, bases.String(), bases.Length());
@@ -122,9 +119,7 @@ void Writer::WriteChromat(const Str& bases, Str& chromatName) {
 }
 
 void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, const Str& bases) {
-  Str path(phdDir);
-  path.Append(name);
-  path.Append(".phd.1");
+  const Str path = phdDir + name + ".phd.1";
   OpenFile(kFileAnnouncement, path);
   file.Append(kPhdBegin);
   file.Append(name);
@@ -146,9 +141,7 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
 }
 
 void Writer::WritePoly(const Str& name, const Str& bases) {
-  Str path(polyDir);
-  path.Append(name);
-  path.Append(".poly");
+  const Str path = polyDir + name + ".poly";
   OpenFile(kFileAnnouncement, path);
   file.Append(name);
   file.Append(kPolyHeader);
