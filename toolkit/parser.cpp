@@ -124,12 +124,15 @@ void Parser::Take(Str& t, const char* from, long n) {
 }
 
 // The copying family. Each one clears the target and answers false when nothing is left.
+bool Parser::ClearedAtEnd(Str& t) const {
+  if (!AtEnd()) return false;
+  t.Clear();
+  return true;
+}
+
 bool Parser::GetToken(Str& t) {
   SkipWhite();
-  if (AtEnd()) {
-    t.Clear();
-    return false;
-  }
+  if (ClearedAtEnd(t)) return false;
   const char* const from = position;
   while (!AtEnd() && !Str::IsSpace(*position)) ++position;
   Take(t, from, position - from);
@@ -138,10 +141,7 @@ bool Parser::GetToken(Str& t) {
 }
 
 bool Parser::GetToken(Str& t, char sep) {
-  if (AtEnd()) {
-    t.Clear();
-    return false;
-  }
+  if (ClearedAtEnd(t)) return false;
   const char* const from = position;
   SkipToChar(sep);
   Take(t, from, position - from);
@@ -150,10 +150,7 @@ bool Parser::GetToken(Str& t, char sep) {
 }
 
 bool Parser::GetToken(Str& t, long n) {
-  if (AtEnd()) {
-    t.Clear();
-    return false;
-  }
+  if (ClearedAtEnd(t)) return false;
   long count = 0;
   while (count < n && position[count] != '\0') ++count;
   Take(t, position, count);
@@ -164,10 +161,7 @@ bool Parser::GetToken(Str& t, long n) {
 bool Parser::GetLine(Str& t) { return GetToken(t, '\n'); }
 
 bool Parser::GetRight(Str& t) {
-  if (AtEnd()) {
-    t.Clear();
-    return false;
-  }
+  if (ClearedAtEnd(t)) return false;
   const long n = static_cast<long>(std::strlen(position));
   Take(t, position, n);
   position += n;
@@ -184,10 +178,7 @@ bool Parser::GetLeft(Str& t) {
 // at the width, so blank lines survive the wrapping. A width below 1 counts as 1, so that every
 // call makes progress.
 bool Parser::WordWrap(Str& t, long width) {
-  if (AtEnd()) {
-    t.Clear();
-    return false;
-  }
+  if (ClearedAtEnd(t)) return false;
   if (width < 1) width = 1;
   char* const start = position;
   bool newline = false;

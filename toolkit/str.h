@@ -425,6 +425,7 @@ class Parser {
   bool CompareText(const char* s, long n) const;
   bool ContainsText(const char* s, long n);
   static void Take(Str& t, const char* from, long n);
+  bool ClearedAtEnd(Str& t) const;  // at the end: t is emptied, true
 };
 
 // One node of an SList: the next link and the element it carries.
