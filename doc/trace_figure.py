@@ -23,6 +23,8 @@ CHANNELS = "ACGT"
 # The colours sequence viewers conventionally give the four dyes.
 COLOURS = {"A": "#1a9850", "C": "#2166ac", "G": "#222222", "T": "#d73027"}
 UNKNOWN = "#8c8c8c"
+NOTE_BOX = dict(boxstyle="round,pad=0.3", fc="white", ec="#cccccc")
+NOTE_ARROW = dict(arrowstyle="->", color="#777777", lw=0.8)
 
 
 def run(binary, root, options):
@@ -88,8 +90,8 @@ def draw_close_up(axes, scf, abif):
     arrow = dict(arrowstyle="->", color="#555555", lw=0.8)
     axes.annotate("ABIF centre:\nsample 11", xy=(11, 640), xytext=(0, 740), fontsize=8.5,
                   va="top", arrowprops=arrow)
-    axes.annotate("SCF centre:\nsample 12,\nthe phd\nposition", xy=(12, 640), xytext=(18.5, 740),
-                  fontsize=8.5, va="top", arrowprops=arrow)
+    axes.annotate("SCF centre:\nsample 12,\nthe phd\nposition", xy=(12, 640),
+                  xytext=(18.5, 740), fontsize=8.5, va="top", arrowprops=arrow)
     axes.set_title("First base (A), close up", loc="left", fontsize=10.5)
     axes.set_xlim(0, 24)
     axes.set_xticks([0, 6, 12, 18, 24])
@@ -124,8 +126,7 @@ def main(binary, output):
         draw_trace(axes, channels, title)
         mark_bases(axes, str(phd.seq), positions)
         axes.annotate(note, xy=(unknown, 120), xytext=(unknown + 9, 380), fontsize=8.5,
-                      color="#444444", bbox=dict(boxstyle="round,pad=0.3", fc="white", ec="#cccccc"),
-                      arrowprops=dict(arrowstyle="->", color="#777777", lw=0.8))
+                      color="#444444", bbox=NOTE_BOX, arrowprops=NOTE_ARROW)
     top.legend(loc="upper right", bbox_to_anchor=(1.0, 1.32), ncol=4, fontsize=9, frameon=False)
     bottom.set_xlabel("sample  (dotted lines: phd positions 12, 24, ...)")
     bottom.set_xlim(0, len(scf[0]) - 1)
