@@ -6,8 +6,11 @@
 #   make sanitize    runs every test against a build with AddressSanitizer and UBSan (build-asan/)
 #   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/) and runs each for 15 s
 #   make check       make test, then make sanitize, then make fuzz-smoke: what CI runs
-# Install: after `make build`, `cmake --install build --prefix /usr/local` puts bin/synthcall and
-# share/man/man1/synthcall.1 under the prefix (add DESTDIR=... for a staged install).
+#   make figure      redraws doc/trace.png from the program's own output (doc/trace_figure.py)
+#   make package     builds the Debian package build/synthcall_<version>_<arch>.deb with CPack
+# Install: `make package` and `dpkg -i`, or after `make build`, `cmake --install build --prefix
+# /usr/local` puts bin/synthcall, the manual page and the README under the prefix (add DESTDIR=...
+# for a staged install).
 BUILD ?= build
 JOBS ?= 2
 DEMO := $(BUILD)/demo
@@ -15,7 +18,7 @@ BENCH_BUILD ?= build-bench
 ASAN_BUILD ?= build-asan
 FUZZ_SECONDS ?= 15
 
-.PHONY: all build demo test bench scale sanitize fuzz-smoke check clean
+.PHONY: all build demo test bench scale sanitize fuzz-smoke check figure package clean
 
 all: build
 
@@ -61,6 +64,15 @@ check:
 	$(MAKE) test
 	$(MAKE) sanitize
 	$(MAKE) fuzz-smoke
+
+# Biopython and matplotlib are Debian packages, so the system interpreter runs the script.
+figure:
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS) --target synthcall
+	/usr/bin/python3 doc/trace_figure.py $(BUILD)/synthcall doc/trace.png
+
+package: build
+	cd $(BUILD) && cpack
 
 clean:
 	rm -rf $(BUILD)
