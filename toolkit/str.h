@@ -428,15 +428,19 @@ class Parser {
   bool ClearedAtEnd(Str& t) const;  // at the end: t is emptied, true
 };
 
-// One node of an SList: the next link and the element it carries.
+// One node of an SList: the next link, the element it carries, and whether the list made that
+// element itself (a StrList copy) and so must delete it.
 struct SLink {
   SLink* next = nullptr;
   void* item = nullptr;
+  bool owned = false;
 };
 
 // A singly linked list of pointers with a sentinel head and one built-in cursor. `current` is
 // the link in front of the current element. SList stores the pointers it is given and never
-// copies or deletes elements, except Clear, which deletes them. Not copyable.
+// copies or deletes them, except Clear, which deletes them. An owned element belongs to its link:
+// links moved by Insert(SList&) take it along, Remove and Replace hand it to the caller, and
+// Reset (so also Copy) keeps it alive until the list is destroyed. Not copyable.
 template <class T>
 class SList {
  public:
@@ -488,18 +492,24 @@ class SList {
   SLink* head;     // sentinel; the first element is in the link after it
   SLink* current;  // the link in front of the current element
   long count;
+  SLink* dropped = nullptr;  // links of owned elements that Reset let go, freed with the list
 
   SLink* LastLink() const;
-  void LinkAfter(SLink* link, T* x);
+  void LinkAfter(SLink* link, T* x, bool owned = false);
+  // The workers of Append(T*) and InsertNext(T*); `owned` marks a copy the list made itself.
+  void AppendItem(T* x, bool owned);
+  void InsertNextItem(T* x, bool owned);
+  void DeleteElements(bool ownedOnly);  // Clear's worker: every element or only the owned ones
 };
 
-// A list of texts that owns its elements: every insertion stores a new copy, and the destructor
-// deletes them. The inherited pointer operations (Append of an array or a list, Copy, Insert of a
-// list) hand the pointed-to strings over to the list.
+// A list of texts. Its own insertions store a new copy of the text, which the list owns and
+// deletes when it is cleared or destroyed. The inherited pointer operations (Append of an array
+// or a list, Copy of an array or an SList, Replace) link the caller's pointers, which the list
+// never deletes, not even in Clear; lists sharing pointers may so be destroyed in any order.
 class StrList : public SList<Str> {
  public:
   StrList();
-  ~StrList() override;
+  void Clear() override;  // deletes the list's own copies only
 
   using SList<Str>::Append;
   using SList<Str>::Insert;
