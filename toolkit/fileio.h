@@ -167,8 +167,8 @@ class FileWriter {
   bool OpenFile(const char* path, int flags);
   void WriteOut(const unsigned char* p, long n);  // all n bytes, or `failed` is set
   void WriteBuffer();                             // exactly size bytes
-  // The one copy loop. Text and blocks never leave the buffer full; binary values
-  // (keepFull) may, and the next append writes it out first.
+  // The one copy loop. Text and blocks never leave the buffer full; binary values and the rest of
+  // a justified value (keepFull) may, and the next append writes it out first.
   void CopyIn(const void* data, long n, bool keepFull);
   void FillAppend(unsigned char c, long n);
   void LineAppend(const char* text, long n);
