@@ -139,10 +139,10 @@ void FileWriter::Repeat(unsigned char c, long n) { FillAppend(c, n); }
 // backward scan never examines the first pending byte and the forward scan runs up to the end of
 // the buffer, not of the pending bytes: pending "\n\n\n" keeps two newlines.
 void FileWriter::RemoveEndBlankLines() {
-  if (cursor <= buffer) return;
+  if (cursor <= buffer.get()) return;
   do {
     --cursor;
-  } while (cursor > buffer && Str::IsSpace(static_cast<char>(*cursor)));
+  } while (cursor > buffer.get() && Str::IsSpace(static_cast<char>(*cursor)));
   do {
     if (++cursor >= end) return;
   } while (*cursor != '\n');

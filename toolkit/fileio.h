@@ -7,8 +7,21 @@
 #define SYNTHCALL_TOOLKIT_FILEIO_H
 
 #include <cstring>
+#include <memory>
 
 #include "toolkit/str.h"
+
+namespace fileio {
+
+// The block buffer of FileReader and FileWriter: a new block of `bytes` zeroed bytes, or none when
+// `bytes` is not positive, replaces the old one and whatever it held; `size` becomes its size.
+inline void ResizeBlock(std::unique_ptr<unsigned char[]>& buffer, long& size, long bytes) {
+  buffer.reset();
+  size = bytes > 0 ? bytes : 0;
+  if (size > 0) buffer.reset(new unsigned char[size]());
+}
+
+}  // namespace fileio
 
 // Buffered input file. The file is read in whole blocks of `size` bytes; characters, tokens,
 // fields and lines are served out of the block and copied into the target Str in runs.
@@ -47,14 +60,14 @@ class FileReader {
 
  private:
   int fd = -1;
-  unsigned char* buffer = nullptr;  // the block buffer; null when size is 0
-  unsigned char* cursor = nullptr;  // next byte to serve
-  unsigned char* end = nullptr;     // one past the last valid byte
-  long size = kDefaultSize;         // block size
-  long block = 0;                   // number of the block in the buffer (see SetPosition)
-  long count = 0;                   // valid bytes in the buffer
-  long lines = 0;                   // newlines passed since Open
-  bool lastBlock = false;           // the block came from a short read
+  std::unique_ptr<unsigned char[]> buffer;  // the block buffer; null when size is 0
+  unsigned char* cursor = nullptr;          // next byte to serve
+  unsigned char* end = nullptr;             // one past the last valid byte
+  long size = kDefaultSize;                 // block size
+  long block = 0;                           // number of the block in the buffer (see SetPosition)
+  long count = 0;                           // valid bytes in the buffer
+  long lines = 0;                           // newlines passed since Open
+  bool lastBlock = false;                   // the block came from a short read
 
   bool Refill();  // true when a byte is ready at cursor; false at end of data
   bool AtEndOfData() const { return cursor >= end && lastBlock; }
@@ -155,9 +168,9 @@ class FileWriter {
 
  protected:
   int fd = -1;
-  unsigned char* buffer = nullptr;  // the output buffer; null when size is 0
-  unsigned char* cursor = nullptr;  // where the next byte goes
-  unsigned char* end = nullptr;     // buffer + size
+  std::unique_ptr<unsigned char[]> buffer;  // the output buffer; null when size is 0
+  unsigned char* cursor = nullptr;          // where the next byte goes
+  unsigned char* end = nullptr;             // buffer + size
   long size = kDefaultSize;
   bool failed = false;
 
