@@ -23,7 +23,7 @@ void Take(Str& target, const unsigned char* from, const unsigned char* to) {
 
 FileReader::FileReader() : FileReader(kDefaultSize) {}
 
-FileReader::FileReader(long size) { SetSize(size); }
+FileReader::FileReader(long bytes) { SetSize(bytes); }
 
 FileReader::~FileReader() { Close(); }
 

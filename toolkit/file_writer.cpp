@@ -16,7 +16,7 @@ long FileWriter::TextLength(const char* s) { return s ? static_cast<long>(std::s
 
 FileWriter::FileWriter() : FileWriter(kDefaultSize) {}
 
-FileWriter::FileWriter(long size) { SetSize(size); }
+FileWriter::FileWriter(long bytes) { SetSize(bytes); }
 
 FileWriter::~FileWriter() {
   if (fd >= 0) close(fd);

@@ -30,11 +30,11 @@ class FileReader {
   static constexpr long kDefaultSize = 1024;
 
   FileReader();
-  explicit FileReader(long size);
+  explicit FileReader(long bytes);
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
   ~FileReader();
-  void SetSize(long size);  // before Open; discards the buffered block
+  void SetSize(long bytes);  // before Open; discards the buffered block
 
   bool Open(const Str& path);
   bool Open(const char* path);
@@ -84,11 +84,11 @@ class FileWriter {
   static constexpr long kDefaultSize = 1024;
 
   FileWriter();
-  explicit FileWriter(long size);
+  explicit FileWriter(long bytes);
   FileWriter(const FileWriter&) = delete;
   FileWriter& operator=(const FileWriter&) = delete;
   virtual ~FileWriter();
-  void SetSize(long size);  // before Open; pending bytes are discarded
+  void SetSize(long bytes);  // before Open; pending bytes are discarded
 
   // Opening (truncate or append; created with mode 0664 under the umask) and closing.
   virtual bool Open(const Str& path);
@@ -320,7 +320,7 @@ class Directory {
  private:
   StrList dirs;
   StrList files;
-  Str path;  // unused
+  Str unusedPath;  // kept empty: nothing reads or writes it
   int error = 0;
 };
 

@@ -26,6 +26,13 @@ Part Range(const char* text, long length, long pos, long n, long last, bool zero
   return Part{text + pos, n};
 }
 
+// Range over a C string, whose terminator is measured first so that nothing past it is read; the
+// end of the text is a valid position.
+Part TextRange(const char* s, long pos, long n, bool zeroMeansAll) {
+  const long textLength = static_cast<long>(std::strlen(s));
+  return Range(s, textLength, pos, n, textLength, zeroMeansAll);
+}
+
 // The first n characters; 0 takes all.
 Part Left(const char* text, long length, long n) { return Range(text, length, 0, n, length, true); }
 
@@ -73,8 +80,7 @@ void Str::CopyRight(const char* x, long n) {
   CopyText(part.text, part.n);
 }
 
-// CopyMid counts 0 as zero characters; pos may be the end of the source. A C string is measured
-// too, so a position or count past its terminator is never read.
+// CopyMid counts 0 as zero characters; pos may be the end of the source.
 void Str::CopyMid(const Str& x, long pos, long n) {
   Part part = Range(x.string, x.length, pos, n, x.length, false);
   CopyText(part.text, part.n);
@@ -82,8 +88,7 @@ void Str::CopyMid(const Str& x, long pos, long n) {
 void Str::CopyMid(const Str* x, long pos, long n) { CopyMid(*x, pos, n); }
 
 void Str::CopyMid(const char* s, long pos, long n) {
-  long length = std::strlen(s);
-  Part part = Range(s, length, pos, n, length, false);
+  Part part = TextRange(s, pos, n, false);
   CopyText(part.text, part.n);
 }
 
@@ -94,8 +99,7 @@ void Str::CopyEnd(const Str& x, long pos) {
 void Str::CopyEnd(const Str* x, long pos) { CopyEnd(*x, pos); }
 
 void Str::CopyEnd(const char* x, long pos) {
-  long length = std::strlen(x);
-  Part part = Range(x, length, pos, 0, length, true);
+  Part part = TextRange(x, pos, 0, true);
   CopyText(part.text, part.n);
 }
 
@@ -121,8 +125,7 @@ void Str::Append(const Str& x, long pos, long n) {
 }
 
 void Str::Append(const char* s, long pos, long n) {
-  long length = std::strlen(s);
-  Part part = Range(s, length, pos, n, length, true);
+  Part part = TextRange(s, pos, n, true);
   AppendBytes(part.text, part.n);
 }
 
@@ -300,8 +303,7 @@ void Str::Replace(const Str& x, long pos, long n) {
 void Str::Replace(const Str* x, long pos, long n) { Replace(*x, pos, n); }
 
 void Str::Replace(const char* x, long pos, long n) {
-  long length = std::strlen(x);
-  Part part = Range(x, length, 0, n, length, false);
+  Part part = TextRange(x, 0, n, false);
   ReplaceText(part.text, part.n, pos);
 }
 
