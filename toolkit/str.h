@@ -333,8 +333,8 @@ class Str {
   void InsertText(const char* text, long n, long pos);
   void ReplaceText(const char* text, long n, long pos);
   void ReplaceEndText(const char* text, long n, long pos);
-  void AddAssignText(const char* text, long n);  // operator+= rule
-  Str JoinText(const char* text, long n) const;  // operator+
+  void AddAssignText(const char* text, long n);     // operator+= rule
+  static char* NewArray(const char* text, long n);  // CopyToChar: a terminated copy
   void TextField(const char* text, long n, long width, const char* format, bool append);
   void NumberField(const char* text, long n, long width, const char* format, bool append,
                    bool isDouble);
