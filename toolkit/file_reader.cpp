@@ -75,7 +75,7 @@ bool FileReader::SetPosition(long position) {
     const long offset = wanted * size;
     if (lseek(fd, offset, SEEK_SET) < 0) return false;
     ReadBlock();
-    block = offset;  // the byte offset, not the block number: GetPosition and refills rely on it
+    block = offset;  // the byte offset, not the block number (see the field)
   }
   // May point past `end` when the position lies beyond the file; the next read then refills.
   cursor = buffer.get() + position % size;

@@ -64,10 +64,13 @@ class FileReader {
   unsigned char* cursor = nullptr;          // next byte to serve
   unsigned char* end = nullptr;             // one past the last valid byte
   long size = kDefaultSize;                 // block size
-  long block = 0;                           // number of the block in the buffer (see SetPosition)
-  long count = 0;                           // valid bytes in the buffer
-  long lines = 0;                           // newlines passed since Open
-  bool lastBlock = false;                   // the block came from a short read
+  // The number of the block in the buffer, except after SetPosition loaded a block other than the
+  // first: then it holds that block's byte offset, on purpose. GetPosition then answers offset x
+  // size plus the offset in the block, and refills go on adding one to it.
+  long block = 0;
+  long count = 0;          // valid bytes in the buffer
+  long lines = 0;          // newlines passed since Open
+  bool lastBlock = false;  // the block came from a short read
 
   bool Refill();  // true when a byte is ready at cursor; false at end of data
   bool AtEndOfData() const { return cursor >= end && lastBlock; }

@@ -40,13 +40,13 @@ class Str {
     return pos;
   }
 
-  // Number to text, shared by every numeric overload here and in FileWriter. Each writes the text
-  // and its terminator into `text` (kNumberTextSize bytes) and returns the text's length.
   // White space everywhere in the toolkit: the C locale's space class (blank, tab, newline,
   // vertical tab, form feed, carriage return) on the byte taken as a signed char, so bytes 128 to
   // 255 are never white space.
   static bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+  // Number to text, shared by every numeric overload here and in FileWriter. Each writes the text
+  // and its terminator into `text` (kNumberTextSize bytes) and returns the text's length.
   static int ConvertInteger(long value, char* text);
   static int ConvertFloat(double value, char* text);
 
