@@ -29,13 +29,6 @@ constexpr char kDefaultSuffix[] = ".REF";
 constexpr int kLowestQuality = 0;
 constexpr int kHighestQuality = 59;
 
-// What the option scan settles; the reference flag is derived from the suffix afterwards.
-struct Options {
-  Str quality;
-  Str suffix;
-  bool abi = false;
-};
-
 // The arguments after the file name are joined into one text and split again, so a quoted
 // argument holding blanks gives several tokens and an empty argument none.
 void JoinArguments(int argc, const char* const* argv, Str& line) {
@@ -44,7 +37,7 @@ void JoinArguments(int argc, const char* const* argv, Str& line) {
 }
 
 // The value after -q is checked as a number and by its leading integer, but kept as typed.
-bool ReadQuality(Parser& cursor, Str& token, Options& options, std::ostream& err) {
+bool ReadQuality(Parser& cursor, Str& token, RunOptions& options, std::ostream& err) {
   cursor.GetToken(token);
   if (!token.IsNumber()) {
     err << kBadQuality << token << '\n' << std::endl;
@@ -61,7 +54,7 @@ bool ReadQuality(Parser& cursor, Str& token, Options& options, std::ostream& err
 
 // A token after -r that looks like an option is pushed back and read again as one; a later -r
 // without a string keeps the suffix already set.
-void ReadSuffix(Parser& cursor, Str& token, Options& options) {
+void ReadSuffix(Parser& cursor, Str& token, RunOptions& options) {
   if (cursor.GetToken(token)) {
     if (token.String()[0] == '-')
       cursor.SkipBack();
@@ -72,7 +65,7 @@ void ReadSuffix(Parser& cursor, Str& token, Options& options) {
 }
 
 // Reads the option tokens to the end of the joined text; false after an error was reported.
-bool ScanOptions(Parser& cursor, Str& token, Options& options, std::ostream& err) {
+bool ScanOptions(Parser& cursor, Str& token, RunOptions& options, std::ostream& err) {
   while (cursor.GetToken(token)) {
     if (token == "-q") {
       if (!ReadQuality(cursor, token, options, err)) return false;
@@ -115,12 +108,11 @@ int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::os
   }
   Str line(1024);
   Str token(128);
-  Options options;
+  RunOptions options;
   JoinArguments(argc, argv, line);
   options.quality.Copy(kDefaultQuality);
   // Bound only now: joining may have moved the text to a larger buffer.
   Parser cursor(line);
   if (!ScanOptions(cursor, token, options, err)) return 0;
-  return RunFasta(name, options.quality, options.suffix, options.suffix.HasContent(), options.abi,
-                  out, err);
+  return RunFasta(name, options, out, err);
 }

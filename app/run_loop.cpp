@@ -1,6 +1,6 @@
 #include "app/run_loop.h"
 
-#include <iostream>
+#include <ostream>
 
 #include "app/writer.h"
 #include "toolkit/fileio.h"
@@ -40,21 +40,16 @@ void ReadRecords(FileReader& input, Writer& writer, bool reference) {
 
 }  // namespace
 
-int RunFasta(const Str& path, const Str& quality, const Str& suffix, bool reference, bool abi) {
-  return RunFasta(path, quality, suffix, reference, abi, std::cout, std::cerr);
-}
-
-int RunFasta(const Str& path, const Str& quality, const Str& suffix, bool reference, bool abi,
-             std::ostream& out, std::ostream& err) {
+int RunFasta(const Str& path, const RunOptions& options, std::ostream& out, std::ostream& err) {
   FileReader input;
   Writer writer(out, err);
   // The project tree is examined, and may end the run, before the input is looked at.
-  writer.SetFiles(quality, suffix, reference, abi);
+  writer.SetFiles(options);
   if (!input.Open(path)) {
     err << kCannotOpen << path << std::endl;
     return 0;
   }
-  ReadRecords(input, writer, reference);
+  ReadRecords(input, writer, options.Reference());
   input.Close();
   out << std::endl;
   return 0;

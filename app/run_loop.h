@@ -5,15 +5,12 @@
 
 #include <iosfwd>
 
+#include "app/writer.h"
 #include "toolkit/str.h"
 
-// Writes the files of every record of the FASTA file `path` and returns 0. `quality` is the
-// quality text as typed, `suffix` the reference suffix; `reference` limits the run to the first
-// record, `abi` asks for ABIF chromatograms. Progress lines go to `out`, errors to `err` (by
-// default standard output and standard error). Throws the int 1, before the input is opened,
-// when poly_dir/ cannot be used.
-int RunFasta(const Str& path, const Str& quality, const Str& suffix, bool reference, bool abi);
-int RunFasta(const Str& path, const Str& quality, const Str& suffix, bool reference, bool abi,
-             std::ostream& out, std::ostream& err);
+// Writes the files of every record of the FASTA file `path` (of the first one only for a
+// reference set) and returns 0. Progress lines go to `out`, errors to `err`. Throws the int 1,
+// before the input is opened, when poly_dir/ cannot be used.
+int RunFasta(const Str& path, const RunOptions& options, std::ostream& out, std::ostream& err);
 
 #endif  // SYNTHCALL_APP_RUN_LOOP_H

@@ -61,11 +61,8 @@ Writer::Writer(std::ostream& progress, std::ostream& errors)
 
 Writer::~Writer() = default;
 
-void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi) {
-  this->quality.Copy(quality);
-  this->referenceSuffix.Copy(referenceSuffix);
-  this->reference = reference;
-  this->abi = abi;
+void Writer::SetFiles(const RunOptions& settled) {
+  options = settled;
   Directory directory;
   Str root = ProjectRoot();
   chromatDir = UsableOr(root, kChromatDir, true, directory);
@@ -86,13 +83,13 @@ Str Writer::ProjectRoot() {
 
 void Writer::WriteFiles(Str& name, const Str& sequence) {
   CTime now;
-  if (reference) name.Append(referenceSuffix);
+  if (options.Reference()) name.Append(options.suffix);
   Str chromatName(name);
   Str bases(sequence.Length());
   CleanSequence(sequence, bases);
   WriteChromat(bases, chromatName);
   WritePhd(name, chromatName, now.GetCTime(), bases);
-  if (!reference) WritePoly(name, bases);
+  if (!options.Reference()) WritePoly(name, bases);
 }
 
 // Upper case, letters only: every letter is kept, not only A, C, G and T. `bases` comes with
@@ -108,10 +105,10 @@ void Writer::CleanSequence(const Str& sequence, Str& bases) {
 // An SCF file is named with ".scf", an ABIF file has no extension; the phd file names it without
 // the directory.
 void Writer::WriteChromat(const Str& bases, Str& chromatName) {
-  if (!abi) chromatName.Append(".scf");
+  if (!options.abi) chromatName.Append(".scf");
   const Str path = chromatDir + chromatName;
   OpenFile(kChromatAnnouncement, path);
-  if (abi)
+  if (options.abi)
     WriteAbif(file, bases.String(), bases.Length());
   else
     WriteScf(file, bases.String(), bases.Length());
@@ -133,7 +130,7 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   const char* base = bases.String();
   for (long i = 0; i < bases.Length(); ++i) {
     file.AppendToken(base[i]);
-    file.AppendToken(quality);
+    file.AppendToken(options.quality);
     file.AppendLine(trace::BasePosition(i));
   }
   file.Append(kPhdEnd);

@@ -15,6 +15,16 @@
 #include "toolkit/fileio.h"
 #include "toolkit/str.h"
 
+// The options the command line settles.
+struct RunOptions {
+  Str quality;       // the -q text exactly as typed
+  Str suffix;        // the reference suffix; empty unless -r was given
+  bool abi = false;  // ABIF chromatograms instead of SCF
+  // -r always leaves a suffix, so having one is what asks for a reference set: the first record
+  // only, its name carrying the suffix, and no poly file.
+  bool Reference() const { return suffix.HasContent(); }
+};
+
 class Writer {
  public:
   static constexpr long kBufferSize = 262144;
@@ -29,7 +39,7 @@ class Writer {
   // Takes over the options and settles the three directories; called once, before WriteFiles.
   // chromat_dir/ and phd_dir/ fall back to the project root when the owner may not read and
   // write them; a poly_dir/ the owner may not read throws the int 1.
-  void SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi);
+  void SetFiles(const RunOptions& settled);
 
   // Writes the files of one record. In reference mode the suffix is appended to `name` itself.
   void WriteFiles(Str& name, const Str& sequence);
@@ -39,10 +49,7 @@ class Writer {
   Str chromatDir;  // each ends in '/', or is the project root when the directory is unusable
   Str phdDir;
   Str polyDir;
-  Str quality;  // the -q text exactly as typed
-  Str referenceSuffix;
-  bool reference = false;
-  bool abi = false;
+  RunOptions options;
   std::ostream& out;
   std::ostream& err;
 

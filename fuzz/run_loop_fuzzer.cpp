@@ -72,9 +72,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::ostringstream out;
   std::ostringstream err;
   Str path(kInput);
-  Str quality("59");
-  Str suffix(reference ? ".REF" : "");
-  FUZZ_CHECK(RunFasta(path, quality, suffix, reference, abi, out, err) == 0);
+  const RunOptions options{"59", reference ? ".REF" : "", abi};
+  FUZZ_CHECK(RunFasta(path, options, out, err) == 0);
 
   long records = CountHeaders(fasta);
   if (reference && records > 1) records = 1;

@@ -1,6 +1,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "gtest/gtest.h"
@@ -72,6 +73,31 @@ TEST(FileWriter, WritesWholeBuffersAsTheyFillAndTrimsOnlyPendingBytes) {
   writer.RemoveEndBlankLines();
   writer.Close();
   EXPECT_EQ(ReadFile(path), "abcdefghijkl\nmno\n\n");
+}
+
+// A justified value that does not fit goes out with the one full-buffer write that makes room for
+// it, also when a byte or a binary value left the buffer full: its rest stays pending.
+TEST(FileWriter, JustifiedValueAtAFullBufferWritesOnce) {
+  TempDir dir;
+  const std::string path = dir / "out";
+  const std::function<void(FileWriter&)> values[] = {
+      [](FileWriter& w) { w.Append("ab", 4, true); },
+      [](FileWriter& w) { w.Append(7L, 4, false); },
+      [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); },
+  };
+  for (const auto& value : values) {
+    for (bool binary : {false, true}) {
+      FileWriter writer(4);
+      ASSERT_TRUE(writer.Open(path.c_str()));
+      if (binary) {
+        writer.AppendInteger(1L);
+      } else {
+        writer.Append("abc"), writer.Append('d');
+      }
+      value(writer);
+      EXPECT_EQ(ReadFile(path).size(), 4u) << binary;
+    }
+  }
 }
 
 // Files are created with mode 0664 under the umask, and a writer destroyed without Close closes

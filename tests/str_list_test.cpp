@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "toolkit/str.h"
@@ -113,4 +114,34 @@ TEST(StrList, FindingFamily) {
   EXPECT_TRUE(out == "phd_dir" && list.GetString(out, 3) && out == "chromat_dir");
   EXPECT_FALSE(list.GetString(out, 4) || list.GetNextString(out));
   EXPECT_TRUE(out == "chromat_dir" && list.GetIndex("edit_dir") == -1 && list.IsEnd());
+}
+
+// A StrList deletes the copies it made, once, and never a pointer handed in: each row leaves
+// borrowed or shared pointers in `l` and is destroyed in both orders; AddressSanitizer and
+// LeakSanitizer tell of any copy freed twice, freed too early or not at all.
+TEST(StrList, DeletesOnlyItsOwnCopies) {
+  Str outside("outside");
+  Str* borrowed[] = {&outside};
+  const std::function<void(StrList&, StrList&)> rows[] = {
+      [&](StrList& l, StrList&) { l.Append(borrowed, 1L); },
+      [&](StrList& l, StrList&) { l.Append("own"), l.Copy(borrowed, 1L); },
+      [&](StrList& l, StrList&) { l.Append("own"), delete l.Replace(&outside); },
+      [&](StrList& l, StrList&) { l.Append("own"), l.Append(l); },  // one copy linked twice
+      [&](StrList& l, StrList& o) { o.Append("own"), l.Append(o), delete o.Remove(0); },
+      [&](StrList& l, StrList& o) { o.Append("own"), l.Append(o); },  // shared, either dies first
+      [&](StrList& l, StrList& o) { o.Append("moved"), l.Insert(o); },
+      [&](StrList& l, StrList& o) { l.Append("own"), o.Append("x"), l.Copy(o); },  // drops a copy
+      [&](StrList& l, StrList&) { l.Append(borrowed, 1L), l.SetList("own"); },
+  };
+  for (const auto& row : rows) {
+    for (bool listFirst : {true, false}) {
+      auto* l = new StrList;
+      auto* o = new StrList;
+      row(*l, *o);
+      if (listFirst) delete l;
+      delete o;
+      if (!listFirst) delete l;
+    }
+  }
+  EXPECT_STREQ("outside", outside.String());
 }

@@ -1,7 +1,9 @@
 // CTime: calendar fields, names and texts of one captured moment.
 #include "toolkit/ctime.h"
 
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -31,8 +33,8 @@ constexpr const char* kWeekDayNames[] = {
     "Friday",     // 5
     "Saturday",   // 6
 };
-static_assert(sizeof(kMonthNames) / sizeof(kMonthNames[0]) == 12, "one name per month");
-static_assert(sizeof(kWeekDayNames) / sizeof(kWeekDayNames[0]) == 7, "one name per weekday");
+static_assert(std::size(kMonthNames) == 12, "one name per month");
+static_assert(std::size(kWeekDayNames) == 7, "one name per weekday");
 
 constexpr int kNoTime = -1;
 
@@ -115,8 +117,9 @@ class FormatBuffer {
   }
 };
 
-Str TableEntry(const char* const* table, int count, int index) {
-  if (index < 0 || index >= count) return Str();
+template <std::size_t N>
+Str TableEntry(const char* const (&table)[N], int index) {
+  if (index < 0 || static_cast<std::size_t>(index) >= N) return Str();
   return Str(table[index]);
 }
 
@@ -140,11 +143,11 @@ int CTime::GetSecond() const { return valid ? broken.tm_sec : kNoTime; }
 // The captured forms answer empty without a time; the indexed forms need none.
 Str CTime::GetMonthName() const { return valid ? GetMonthName(broken.tm_mon) : Str(); }
 
-Str CTime::GetMonthName(int month) { return TableEntry(kMonthNames, 12, month); }
+Str CTime::GetMonthName(int month) { return TableEntry(kMonthNames, month); }
 
 Str CTime::GetWeekDayName() const { return valid ? GetWeekDayName(broken.tm_wday) : Str(); }
 
-Str CTime::GetWeekDayName(int day) { return TableEntry(kWeekDayNames, 7, day); }
+Str CTime::GetWeekDayName(int day) { return TableEntry(kWeekDayNames, day); }
 
 Str CTime::GetCTime() const {
   char text[kCTimeSize];

@@ -23,22 +23,13 @@ void Take(Str& target, const unsigned char* from, const unsigned char* to) {
 
 FileReader::FileReader() : FileReader(kDefaultSize) {}
 
-FileReader::FileReader(long size) { SetSize(size); }
+FileReader::FileReader(long bytes) { SetSize(bytes); }
 
-FileReader::~FileReader() {
-  Close();
-  delete[] buffer;
-}
+FileReader::~FileReader() { Close(); }
 
-void FileReader::SetSize(long newSize) {
-  delete[] buffer;
-  buffer = nullptr;
-  size = 0;
-  if (newSize > 0) {
-    buffer = new unsigned char[newSize];
-    size = newSize;
-  }
-  cursor = end = buffer;
+void FileReader::SetSize(long bytes) {
+  fileio::ResizeBlock(buffer, size, bytes);
+  cursor = end = buffer.get();
   lastBlock = false;
 }
 
@@ -48,7 +39,7 @@ bool FileReader::Open(const Str& path) { return Open(path.String()); }
 bool FileReader::Open(const char* path) {
   Close();
   lines = 0;
-  cursor = end = buffer;
+  cursor = end = buffer.get();
   lastBlock = true;
   fd = open(path, O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
@@ -75,7 +66,7 @@ void FileReader::Close() {
   fd = -1;
 }
 
-long FileReader::GetPosition() const { return block * size + (cursor - buffer); }
+long FileReader::GetPosition() const { return block * size + (cursor - buffer.get()); }
 
 bool FileReader::SetPosition(long position) {
   if (position < 0 || size <= 0) return false;
@@ -84,10 +75,10 @@ bool FileReader::SetPosition(long position) {
     const long offset = wanted * size;
     if (lseek(fd, offset, SEEK_SET) < 0) return false;
     ReadBlock();
-    block = offset;  // the byte offset, not the block number: GetPosition and refills rely on it
+    block = offset;  // the byte offset, not the block number (see the field)
   }
   // May point past `end` when the position lies beyond the file; the next read then refills.
-  cursor = buffer + position % size;
+  cursor = buffer.get() + position % size;
   return true;
 }
 
@@ -97,15 +88,15 @@ void FileReader::ReadBlock() {
   count = 0;
   bool atEnd = fd < 0;
   while (!atEnd && count < size) {
-    const ssize_t n = read(fd, buffer + count, size - count);
+    const ssize_t n = read(fd, buffer.get() + count, size - count);
     if (n > 0) {
       count += n;
     } else if (n == 0 || errno != EINTR) {
       atEnd = true;
     }
   }
-  cursor = buffer;
-  end = buffer + count;
+  cursor = buffer.get();
+  end = cursor + count;
   lastBlock = count < size || size == 0;
 }
 

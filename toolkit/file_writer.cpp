@@ -16,24 +16,17 @@ long FileWriter::TextLength(const char* s) { return s ? static_cast<long>(std::s
 
 FileWriter::FileWriter() : FileWriter(kDefaultSize) {}
 
-FileWriter::FileWriter(long size) { SetSize(size); }
+FileWriter::FileWriter(long bytes) { SetSize(bytes); }
 
 FileWriter::~FileWriter() {
   if (fd >= 0) close(fd);
-  delete[] buffer;
 }
 
 // The buffer starts zeroed: RemoveEndBlankLines may look at bytes past the pending ones.
-void FileWriter::SetSize(long newSize) {
-  delete[] buffer;
-  buffer = nullptr;
-  size = 0;
-  if (newSize > 0) {
-    buffer = new unsigned char[newSize]();
-    size = newSize;
-  }
-  cursor = buffer;
-  end = buffer + size;
+void FileWriter::SetSize(long bytes) {
+  fileio::ResizeBlock(buffer, size, bytes);
+  cursor = buffer.get();
+  end = cursor + size;
 }
 
 // Open truncates and Reopen appends; both create the file with mode 0664 under the umask. A file
@@ -45,7 +38,7 @@ bool FileWriter::Reopen(const char* path) { return OpenFile(path, O_APPEND); }
 
 bool FileWriter::OpenFile(const char* path, int flags) {
   if (fd >= 0) close(fd);
-  cursor = buffer;
+  cursor = buffer.get();
   fd = open(path, flags | O_WRONLY | O_CREAT | O_CLOEXEC, 0664);
   failed = fd < 0;
   return !failed;
@@ -53,7 +46,7 @@ bool FileWriter::OpenFile(const char* path, int flags) {
 
 // The cursor stays where it is; Open and Reopen reset it.
 void FileWriter::Close() {
-  if (cursor != buffer) WriteOut(buffer, cursor - buffer);
+  if (cursor != buffer.get()) WriteOut(buffer.get(), cursor - buffer.get());
   if (fd >= 0 && close(fd) != 0 && errno != EINTR) failed = true;
   fd = -1;
 }
@@ -160,8 +153,8 @@ void FileWriter::WriteOut(const unsigned char* p, long n) {
 }
 
 void FileWriter::WriteBuffer() {
-  WriteOut(buffer, size);
-  cursor = buffer;
+  WriteOut(buffer.get(), size);
+  cursor = buffer.get();
 }
 
 // Whenever the data reaches the end of the buffer, the buffer is filled up and written whole, so

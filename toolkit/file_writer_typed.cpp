@@ -2,6 +2,7 @@
 // fields, justified values, runs of one byte, stream-style chaining and the trimming of trailing
 // blank lines. All of them go through the buffer mechanics of file_writer.cpp.
 #include <cstring>
+#include <memory>
 
 #include "toolkit/fileio.h"
 
@@ -77,13 +78,36 @@ void FileWriter::FieldAppend(const char* text, long n, long width) {
   FillAppend(' ', width - kept);
 }
 
-// Padding and text go in as two block appends, so a field wider than the whole buffer still
-// comes out whole.
+namespace {
+
+// The w-byte field at `at`: the n bytes of text behind the blanks when `right`, else in front.
+void PlaceJustified(unsigned char* at, const char* text, long n, long w, bool right) {
+  std::memset(right ? at : at + n, ' ', w - n);
+  if (n > 0) std::memcpy(right ? at + w - n : at, text, n);
+}
+
+}  // namespace
+
+// A field that does not fit is built aside and goes out with one full-buffer write; its rest
+// stays pending, and may leave the buffer full as a binary value does. A field wider than the
+// whole buffer is split over as many writes as it needs.
 void FileWriter::JustifiedAppend(const char* text, long n, long width, bool right) {
-  const long pad = width > n ? width - n : 0;
-  if (right) FillAppend(' ', pad);
-  BlockAppend(text, n);
-  if (!right) FillAppend(' ', pad);
+  if (!buffer) {
+    failed = true;
+    return;
+  }
+  const long w = width > n ? width : n;
+  const long room = end - cursor;
+  if (w < room) {
+    PlaceJustified(cursor, text, n, w, right);
+    cursor += w;
+    return;
+  }
+  const std::unique_ptr<unsigned char[]> field(new unsigned char[w]);
+  PlaceJustified(field.get(), text, n, w, right);
+  std::memcpy(cursor, field.get(), room);
+  WriteBuffer();
+  CopyIn(field.get() + room, w - room, true);
 }
 
 // As the Append of the same type. The char form is a single-byte store: the buffer is written
@@ -115,10 +139,10 @@ void FileWriter::Repeat(unsigned char c, long n) { FillAppend(c, n); }
 // backward scan never examines the first pending byte and the forward scan runs up to the end of
 // the buffer, not of the pending bytes: pending "\n\n\n" keeps two newlines.
 void FileWriter::RemoveEndBlankLines() {
-  if (cursor <= buffer) return;
+  if (cursor <= buffer.get()) return;
   do {
     --cursor;
-  } while (cursor > buffer && Str::IsSpace(static_cast<char>(*cursor)));
+  } while (cursor > buffer.get() && Str::IsSpace(static_cast<char>(*cursor)));
   do {
     if (++cursor >= end) return;
   } while (*cursor != '\n');

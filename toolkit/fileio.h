@@ -7,8 +7,21 @@
 #define SYNTHCALL_TOOLKIT_FILEIO_H
 
 #include <cstring>
+#include <memory>
 
 #include "toolkit/str.h"
+
+namespace fileio {
+
+// The block buffer of FileReader and FileWriter: a new block of `bytes` zeroed bytes, or none when
+// `bytes` is not positive, replaces the old one and whatever it held; `size` becomes its size.
+inline void ResizeBlock(std::unique_ptr<unsigned char[]>& buffer, long& size, long bytes) {
+  buffer.reset();
+  size = bytes > 0 ? bytes : 0;
+  if (size > 0) buffer.reset(new unsigned char[size]());
+}
+
+}  // namespace fileio
 
 // Buffered input file. The file is read in whole blocks of `size` bytes; characters, tokens,
 // fields and lines are served out of the block and copied into the target Str in runs.
@@ -17,11 +30,11 @@ class FileReader {
   static constexpr long kDefaultSize = 1024;
 
   FileReader();
-  explicit FileReader(long size);
+  explicit FileReader(long bytes);
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
   ~FileReader();
-  void SetSize(long size);  // before Open; discards the buffered block
+  void SetSize(long bytes);  // before Open; discards the buffered block
 
   bool Open(const Str& path);
   bool Open(const char* path);
@@ -47,14 +60,17 @@ class FileReader {
 
  private:
   int fd = -1;
-  unsigned char* buffer = nullptr;  // the block buffer; null when size is 0
-  unsigned char* cursor = nullptr;  // next byte to serve
-  unsigned char* end = nullptr;     // one past the last valid byte
-  long size = kDefaultSize;         // block size
-  long block = 0;                   // number of the block in the buffer (see SetPosition)
-  long count = 0;                   // valid bytes in the buffer
-  long lines = 0;                   // newlines passed since Open
-  bool lastBlock = false;           // the block came from a short read
+  std::unique_ptr<unsigned char[]> buffer;  // the block buffer; null when size is 0
+  unsigned char* cursor = nullptr;          // next byte to serve
+  unsigned char* end = nullptr;             // one past the last valid byte
+  long size = kDefaultSize;                 // block size
+  // The number of the block in the buffer, except after SetPosition loaded a block other than the
+  // first: then it holds that block's byte offset, on purpose. GetPosition then answers offset x
+  // size plus the offset in the block, and refills go on adding one to it.
+  long block = 0;
+  long count = 0;          // valid bytes in the buffer
+  long lines = 0;          // newlines passed since Open
+  bool lastBlock = false;  // the block came from a short read
 
   bool Refill();  // true when a byte is ready at cursor; false at end of data
   bool AtEndOfData() const { return cursor >= end && lastBlock; }
@@ -71,11 +87,11 @@ class FileWriter {
   static constexpr long kDefaultSize = 1024;
 
   FileWriter();
-  explicit FileWriter(long size);
+  explicit FileWriter(long bytes);
   FileWriter(const FileWriter&) = delete;
   FileWriter& operator=(const FileWriter&) = delete;
   virtual ~FileWriter();
-  void SetSize(long size);  // before Open; pending bytes are discarded
+  void SetSize(long bytes);  // before Open; pending bytes are discarded
 
   // Opening (truncate or append; created with mode 0664 under the umask) and closing.
   virtual bool Open(const Str& path);
@@ -155,9 +171,9 @@ class FileWriter {
 
  protected:
   int fd = -1;
-  unsigned char* buffer = nullptr;  // the output buffer; null when size is 0
-  unsigned char* cursor = nullptr;  // where the next byte goes
-  unsigned char* end = nullptr;     // buffer + size
+  std::unique_ptr<unsigned char[]> buffer;  // the output buffer; null when size is 0
+  unsigned char* cursor = nullptr;          // where the next byte goes
+  unsigned char* end = nullptr;             // buffer + size
   long size = kDefaultSize;
   bool failed = false;
 
@@ -167,8 +183,8 @@ class FileWriter {
   bool OpenFile(const char* path, int flags);
   void WriteOut(const unsigned char* p, long n);  // all n bytes, or `failed` is set
   void WriteBuffer();                             // exactly size bytes
-  // The one copy loop. Text and blocks never leave the buffer full; binary values
-  // (keepFull) may, and the next append writes it out first.
+  // The one copy loop. Text and blocks never leave the buffer full; binary values and the rest of
+  // a justified value (keepFull) may, and the next append writes it out first.
   void CopyIn(const void* data, long n, bool keepFull);
   void FillAppend(unsigned char c, long n);
   void LineAppend(const char* text, long n);
@@ -307,7 +323,7 @@ class Directory {
  private:
   StrList dirs;
   StrList files;
-  Str path;  // unused
+  Str unusedPath;  // kept empty: nothing reads or writes it
   int error = 0;
 };
 

@@ -478,8 +478,6 @@ void Str::AppendBytes(const char* bytes, long n) {
   string[length] = '\0';
 }
 
-void Str::AppendToken(const char* x) { AppendTokenText(x, std::strlen(x), ' '); }
-
 // The separator counts in the new length that decides the growth.
 void Str::AppendTokenText(const char* text, long n, char sep) {
   Counted(n);

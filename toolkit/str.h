@@ -40,13 +40,13 @@ class Str {
     return pos;
   }
 
-  // Number to text, shared by every numeric overload here and in FileWriter. Each writes the text
-  // and its terminator into `text` (kNumberTextSize bytes) and returns the text's length.
   // White space everywhere in the toolkit: the C locale's space class (blank, tab, newline,
   // vertical tab, form feed, carriage return) on the byte taken as a signed char, so bytes 128 to
   // 255 are never white space.
   static bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+  // Number to text, shared by every numeric overload here and in FileWriter. Each writes the text
+  // and its terminator into `text` (kNumberTextSize bytes) and returns the text's length.
   static int ConvertInteger(long value, char* text);
   static int ConvertFloat(double value, char* text);
 
@@ -333,8 +333,8 @@ class Str {
   void InsertText(const char* text, long n, long pos);
   void ReplaceText(const char* text, long n, long pos);
   void ReplaceEndText(const char* text, long n, long pos);
-  void AddAssignText(const char* text, long n);  // operator+= rule
-  Str JoinText(const char* text, long n) const;  // operator+
+  void AddAssignText(const char* text, long n);     // operator+= rule
+  static char* NewArray(const char* text, long n);  // CopyToChar: a terminated copy
   void TextField(const char* text, long n, long width, const char* format, bool append);
   void NumberField(const char* text, long n, long width, const char* format, bool append,
                    bool isDouble);
@@ -428,15 +428,19 @@ class Parser {
   bool ClearedAtEnd(Str& t) const;  // at the end: t is emptied, true
 };
 
-// One node of an SList: the next link and the element it carries.
+// One node of an SList: the next link, the element it carries, and whether the list made that
+// element itself (a StrList copy) and so must delete it.
 struct SLink {
   SLink* next = nullptr;
   void* item = nullptr;
+  bool owned = false;
 };
 
 // A singly linked list of pointers with a sentinel head and one built-in cursor. `current` is
 // the link in front of the current element. SList stores the pointers it is given and never
-// copies or deletes elements, except Clear, which deletes them. Not copyable.
+// copies or deletes them, except Clear, which deletes them. An owned element belongs to its link:
+// links moved by Insert(SList&) take it along, Remove and Replace hand it to the caller, and
+// Reset (so also Copy) keeps it alive until the list is destroyed. Not copyable.
 template <class T>
 class SList {
  public:
@@ -488,18 +492,24 @@ class SList {
   SLink* head;     // sentinel; the first element is in the link after it
   SLink* current;  // the link in front of the current element
   long count;
+  SLink* dropped = nullptr;  // links of owned elements that Reset let go, freed with the list
 
   SLink* LastLink() const;
-  void LinkAfter(SLink* link, T* x);
+  void LinkAfter(SLink* link, T* x, bool owned = false);
+  // The workers of Append(T*) and InsertNext(T*); `owned` marks a copy the list made itself.
+  void AppendItem(T* x, bool owned);
+  void InsertNextItem(T* x, bool owned);
+  void DeleteElements(bool ownedOnly);  // Clear's worker: every element or only the owned ones
 };
 
-// A list of texts that owns its elements: every insertion stores a new copy, and the destructor
-// deletes them. The inherited pointer operations (Append of an array or a list, Copy, Insert of a
-// list) hand the pointed-to strings over to the list.
+// A list of texts. Its own insertions store a new copy of the text, which the list owns and
+// deletes when it is cleared or destroyed. The inherited pointer operations (Append of an array
+// or a list, Copy of an array or an SList, Replace) link the caller's pointers, which the list
+// never deletes, not even in Clear; lists sharing pointers may so be destroyed in any order.
 class StrList : public SList<Str> {
  public:
   StrList();
-  ~StrList() override;
+  void Clear() override;  // deletes the list's own copies only
 
   using SList<Str>::Append;
   using SList<Str>::Insert;

@@ -26,6 +26,13 @@ Part Range(const char* text, long length, long pos, long n, long last, bool zero
   return Part{text + pos, n};
 }
 
+// Range over a C string, whose terminator is measured first so that nothing past it is read; the
+// end of the text is a valid position.
+Part TextRange(const char* s, long pos, long n, bool zeroMeansAll) {
+  const long textLength = static_cast<long>(std::strlen(s));
+  return Range(s, textLength, pos, n, textLength, zeroMeansAll);
+}
+
 // The first n characters; 0 takes all.
 Part Left(const char* text, long length, long n) { return Range(text, length, 0, n, length, true); }
 
@@ -35,15 +42,22 @@ Part Right(const char* text, long length, long n) {
   return Part{text + length - left.n, left.n};
 }
 
-// The number's text in a caller's buffer of Str::kNumberTextSize bytes.
-Part Number(long value, char* text) { return Part{text, Str::ConvertInteger(value, text)}; }
-Part Number(double value, char* text) { return Part{text, Str::ConvertFloat(value, text)}; }
-
-Str Joined(const char* text, long n, const Str& s) {
-  Str joined(n + s.Length());
-  joined.AppendBytes(text, n);
-  joined.AppendBytes(s.String(), s.Length());
+// The two texts one after the other, in a new string with room for exactly that: the worker of
+// every operator+.
+Str Joined(const char* front, long frontLength, const char* back, long backLength) {
+  Str joined(frontLength + backLength);
+  joined.AppendBytes(front, frontLength);
+  joined.AppendBytes(back, backLength);
   return joined;
+}
+
+// Copies the part to dest, and its terminator when asked. Returns where the terminator went, or
+// dest when there is none.
+char* CopyPart(Part part, char* dest, bool terminate) {
+  std::memcpy(dest, part.text, part.n);
+  if (!terminate) return dest;
+  dest[part.n] = '\0';
+  return dest + part.n;
 }
 
 }  // namespace
@@ -73,8 +87,7 @@ void Str::CopyRight(const char* x, long n) {
   CopyText(part.text, part.n);
 }
 
-// CopyMid counts 0 as zero characters; pos may be the end of the source. A C string is measured
-// too, so a position or count past its terminator is never read.
+// CopyMid counts 0 as zero characters; pos may be the end of the source.
 void Str::CopyMid(const Str& x, long pos, long n) {
   Part part = Range(x.string, x.length, pos, n, x.length, false);
   CopyText(part.text, part.n);
@@ -82,8 +95,7 @@ void Str::CopyMid(const Str& x, long pos, long n) {
 void Str::CopyMid(const Str* x, long pos, long n) { CopyMid(*x, pos, n); }
 
 void Str::CopyMid(const char* s, long pos, long n) {
-  long length = std::strlen(s);
-  Part part = Range(s, length, pos, n, length, false);
+  Part part = TextRange(s, pos, n, false);
   CopyText(part.text, part.n);
 }
 
@@ -94,8 +106,7 @@ void Str::CopyEnd(const Str& x, long pos) {
 void Str::CopyEnd(const Str* x, long pos) { CopyEnd(*x, pos); }
 
 void Str::CopyEnd(const char* x, long pos) {
-  long length = std::strlen(x);
-  Part part = Range(x, length, pos, 0, length, true);
+  Part part = TextRange(x, pos, 0, true);
   CopyText(part.text, part.n);
 }
 
@@ -121,8 +132,7 @@ void Str::Append(const Str& x, long pos, long n) {
 }
 
 void Str::Append(const char* s, long pos, long n) {
-  long length = std::strlen(s);
-  Part part = Range(s, length, pos, n, length, true);
+  Part part = TextRange(s, pos, n, true);
   AppendBytes(part.text, part.n);
 }
 
@@ -220,41 +230,32 @@ void Str::AddAssignText(const char* text, long n) {
 }
 
 // + makes a new string with room for exactly the joined text; neither operand changes.
-Str Str::operator+(const Str& x) const { return JoinText(x.string, x.length); }
-Str Str::operator+(const Str* x) const { return JoinText(x->string, x->length); }
-Str Str::operator+(const char* x) const { return JoinText(x, std::strlen(x)); }
-Str Str::operator+(char c) const { return JoinText(&c, 1); }
+Str Str::operator+(const Str& x) const { return Joined(string, length, x.string, x.length); }
+Str Str::operator+(const Str* x) const { return Joined(string, length, x->string, x->length); }
+Str Str::operator+(const char* x) const { return Joined(string, length, x, std::strlen(x)); }
+Str Str::operator+(char c) const { return Joined(string, length, &c, 1); }
 
 Str Str::operator+(long n) const {
   const NumberText t(n);
-  return JoinText(t.text, t.length);
+  return Joined(string, length, t.text, t.length);
 }
 
 Str Str::operator+(double x) const {
   const NumberText t(x);
-  return JoinText(t.text, t.length);
+  return Joined(string, length, t.text, t.length);
 }
 
-Str Str::JoinText(const char* text, long n) const {
-  Str joined(length + n);
-  joined.AppendBytes(string, length);
-  joined.AppendBytes(text, n);
-  return joined;
-}
-
-Str operator+(const char* x, const Str& s) { return Joined(x, std::strlen(x), s); }
-Str operator+(char c, const Str& s) { return Joined(&c, 1, s); }
+Str operator+(const char* x, const Str& s) { return Joined(x, std::strlen(x), s.string, s.length); }
+Str operator+(char c, const Str& s) { return Joined(&c, 1, s.string, s.length); }
 
 Str operator+(long n, const Str& s) {
-  char text[Str::kNumberTextSize];
-  Part part = Number(n, text);
-  return Joined(part.text, part.n, s);
+  const Str::NumberText t(n);
+  return Joined(t.text, t.length, s.string, s.length);
 }
 
 Str operator+(double x, const Str& s) {
-  char text[Str::kNumberTextSize];
-  Part part = Number(x, text);
-  return Joined(part.text, part.n, s);
+  const Str::NumberText t(x);
+  return Joined(t.text, t.length, s.string, s.length);
 }
 
 // ---- Inserting and overwriting --------------------------------------------------------------
@@ -300,8 +301,7 @@ void Str::Replace(const Str& x, long pos, long n) {
 void Str::Replace(const Str* x, long pos, long n) { Replace(*x, pos, n); }
 
 void Str::Replace(const char* x, long pos, long n) {
-  long length = std::strlen(x);
-  Part part = Range(x, length, 0, n, length, false);
+  Part part = TextRange(x, 0, n, false);
   ReplaceText(part.text, part.n, pos);
 }
 
@@ -432,39 +432,32 @@ bool Str::HasLineEnd() const { return length > 0 && string[length - 1] == '\n'; 
 
 // ---- Copying out ----------------------------------------------------------------------------
 
-// New arrays belong to the caller, who frees them with delete[].
+// New arrays belong to the caller, who frees them with delete[]. The counted form takes 0 as zero
+// characters, the positioned form as the rest from pos, a character of the text.
 char* Str::CopyToChar() const { return CopyToChar(length); }
 
 char* Str::CopyToChar(long n) const {
-  Part part = Range(string, length, 0, n, length, false);
-  char* copy = NewBuffer(part.n + 1);
-  std::memcpy(copy, part.text, part.n);
-  copy[part.n] = '\0';
-  return copy;
+  const Part part = Range(string, length, 0, n, length, false);
+  return NewArray(part.text, part.n);
 }
 
 char* Str::CopyToChar(long pos, long n) const {
-  Part part = Range(string, length, pos, n, length - 1, true);
-  char* copy = NewBuffer(part.n + 1);
-  std::memcpy(copy, part.text, part.n);
-  copy[part.n] = '\0';
+  const Part part = Range(string, length, pos, n, length - 1, true);
+  return NewArray(part.text, part.n);
+}
+
+char* Str::NewArray(const char* text, long n) {
+  char* const copy = NewBuffer(n + 1);
+  CopyPart(Part{text, n}, copy, true);
   return copy;
 }
 
 // dest must have room for the copy and, when asked, its terminator. With a terminator the result
 // points at it, ready for the next piece; otherwise it is dest.
 char* Str::StringCopy(char* dest, long n, bool terminate) const {
-  Part part = Left(string, length, n);
-  std::memcpy(dest, part.text, part.n);
-  if (!terminate) return dest;
-  dest[part.n] = '\0';
-  return dest + part.n;
+  return CopyPart(Left(string, length, n), dest, terminate);
 }
 
 char* Str::StringCopy(char* dest, long n, long pos, bool terminate) const {
-  Part part = Range(string, length, pos, n, length - 1, true);
-  std::memcpy(dest, part.text, part.n);
-  if (!terminate) return dest;
-  dest[part.n] = '\0';
-  return dest + part.n;
+  return CopyPart(Range(string, length, pos, n, length - 1, true), dest, terminate);
 }

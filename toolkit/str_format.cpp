@@ -112,6 +112,7 @@ void Str::CopyToken(double x, char sep) {
 // AppendToken appends the value and its separator, a blank unless one is given.
 void Str::AppendToken(const Str& x) { AppendTokenText(x.string, x.length, ' '); }
 void Str::AppendToken(const Str* x) { AppendTokenText(x->string, x->length, ' '); }
+void Str::AppendToken(const char* x) { AppendTokenText(x, std::strlen(x), ' '); }
 void Str::AppendToken(char c) { AppendTokenText(&c, 1, ' '); }
 void Str::AppendToken(long n) { AppendToken(n, ' '); }
 void Str::AppendToken(double x) { AppendToken(x, ' '); }

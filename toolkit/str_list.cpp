@@ -10,19 +10,33 @@
 template <class T>
 SList<T>::SList() : head(new SLink), current(head), count(0) {}
 
-// Only the links go; the elements belong to whoever handed them in.
+// The links go, and the elements the list made itself; the others belong to whoever handed them
+// in.
 template <class T>
 SList<T>::~SList() {
   Reset();
+  while (dropped != nullptr) {
+    SLink* const next = dropped->next;
+    delete static_cast<T*>(dropped->item);
+    delete dropped;
+    dropped = next;
+  }
   delete head;
 }
 
+// An owned element may still be in use (Copy from an array the list itself gave out relinks
+// it), so its link is set aside rather than deleted.
 template <class T>
 void SList<T>::Reset() {
   SLink* link = head->next;
   while (link != nullptr) {
     SLink* const next = link->next;
-    delete link;
+    if (link->owned) {
+      link->next = dropped;
+      dropped = link;
+    } else {
+      delete link;
+    }
     link = next;
   }
   head->next = nullptr;
@@ -32,8 +46,15 @@ void SList<T>::Reset() {
 
 template <class T>
 void SList<T>::Clear() {
+  DeleteElements(false);
+}
+
+template <class T>
+void SList<T>::DeleteElements(bool ownedOnly) {
   for (SLink* link = head->next; link != nullptr; link = link->next) {
+    if (ownedOnly && !link->owned) continue;
     delete static_cast<T*>(link->item);
+    link->owned = false;
   }
   Reset();
 }
@@ -130,9 +151,10 @@ SLink* SList<T>::LastLink() const {
 }
 
 template <class T>
-void SList<T>::LinkAfter(SLink* link, T* x) {
+void SList<T>::LinkAfter(SLink* link, T* x, bool owned) {
   SLink* const added = new SLink;
   added->item = x;
+  added->owned = owned;
   added->next = link->next;
   link->next = added;
   ++count;
@@ -141,8 +163,13 @@ void SList<T>::LinkAfter(SLink* link, T* x) {
 // Appending: the single form leaves x current, the bulk forms leave the position at the end.
 template <class T>
 void SList<T>::Append(T* x) {
+  AppendItem(x, false);
+}
+
+template <class T>
+void SList<T>::AppendItem(T* x, bool owned) {
   current = LastLink();
-  LinkAfter(current, x);
+  LinkAfter(current, x, owned);
 }
 
 template <class T>
@@ -212,16 +239,23 @@ void SList<T>::Insert(SList& other) {
 
 template <class T>
 void SList<T>::InsertNext(T* x) {
-  LinkAfter(current, x);
+  InsertNextItem(x, false);
+}
+
+template <class T>
+void SList<T>::InsertNextItem(T* x, bool owned) {
+  LinkAfter(current, x, owned);
   current = current->next;
 }
 
-// Replace and Remove hand the old pointer back to the caller.
+// Replace and Remove hand the old pointer back to the caller, who then owns it.
 template <class T>
 T* SList<T>::Replace(T* x) {
   if (IsEnd()) return nullptr;
-  T* const old = static_cast<T*>(current->next->item);
-  current->next->item = x;
+  SLink* const link = current->next;
+  T* const old = static_cast<T*>(link->item);
+  link->item = x;
+  link->owned = false;
   return old;
 }
 
@@ -305,18 +339,13 @@ const Str& TextOf(const SLink* link) { return *static_cast<const Str*>(link->ite
 
 StrList::StrList() = default;
 
-// Unlike SList, the list owns its copies and deletes them with itself.
-StrList::~StrList() {
-  for (SLink* link = head->next; link != nullptr; link = link->next) {
-    delete static_cast<Str*>(link->item);
-  }
-}
+void StrList::Clear() { DeleteElements(true); }
 
 void StrList::SetList(Str& text) {
   Clear();
   Parser lines(text);
   Str line;
-  while (lines.GetLine(line)) SList<Str>::Append(NewCopy(line));
+  while (lines.GetLine(line)) AppendItem(NewCopy(line), true);
 }
 
 void StrList::SetList(const char* text) {
@@ -332,31 +361,35 @@ void StrList::Copy(const StrList& other) {
   }
   Reset();
   for (const SLink* link = other.head->next; link != nullptr; link = link->next) {
-    LinkAfter(current, NewCopy(TextOf(link)));
+    LinkAfter(current, NewCopy(TextOf(link)), true);
     current = current->next;
   }
 }
 
-// The insertions of SList, each with a new copy of its argument.
-void StrList::Append(Str* x) { SList<Str>::Append(NewCopy(*x)); }
-void StrList::Append(const Str& x) { SList<Str>::Append(NewCopy(x)); }
-void StrList::Append(const char* x) { SList<Str>::Append(NewCopy(x)); }
-void StrList::Insert(Str* x) { SList<Str>::Insert(NewCopy(*x)); }
-void StrList::Insert(const Str& x) { SList<Str>::Insert(NewCopy(x)); }
-void StrList::Insert(const char* x) { SList<Str>::Insert(NewCopy(x)); }
+// The insertions of SList, each with a new copy of its argument that the list owns.
+void StrList::Append(Str* x) { AppendItem(NewCopy(*x), true); }
+void StrList::Append(const Str& x) { AppendItem(NewCopy(x), true); }
+void StrList::Append(const char* x) { AppendItem(NewCopy(x), true); }
+void StrList::Insert(Str* x) { LinkAfter(current, NewCopy(*x), true); }
+void StrList::Insert(const Str& x) { LinkAfter(current, NewCopy(x), true); }
+void StrList::Insert(const char* x) { LinkAfter(current, NewCopy(x), true); }
 
 // The copy is made only when the index is accepted, so a refused insertion leaks nothing.
 void StrList::Insert(Str* x, long i) { Insert(*x, i); }
 void StrList::Insert(const Str& x, long i) {
-  if (i == 0 && count > 0) SList<Str>::Insert(NewCopy(x), i);
+  if (i != 0 || count == 0) return;
+  current = head;
+  LinkAfter(current, NewCopy(x), true);
 }
 void StrList::Insert(const char* x, long i) {
-  if (i == 0 && count > 0) SList<Str>::Insert(NewCopy(x), i);
+  if (i != 0 || count == 0) return;
+  current = head;
+  LinkAfter(current, NewCopy(x), true);
 }
 
-void StrList::InsertNext(Str* x) { SList<Str>::InsertNext(NewCopy(*x)); }
-void StrList::InsertNext(const Str& x) { SList<Str>::InsertNext(NewCopy(x)); }
-void StrList::InsertNext(const char* x) { SList<Str>::InsertNext(NewCopy(x)); }
+void StrList::InsertNext(Str* x) { InsertNextItem(NewCopy(*x), true); }
+void StrList::InsertNext(const Str& x) { InsertNextItem(NewCopy(x), true); }
+void StrList::InsertNext(const char* x) { InsertNextItem(NewCopy(x), true); }
 void StrList::Insert(StrList& other) { SList<Str>::Insert(other); }
 
 // Sorted insertion in strcmp order, behind every equal text.
@@ -380,7 +413,7 @@ bool StrList::Collate(const char* text, long n, bool once) {
     if (order < 0) break;
   }
   current = link;
-  LinkAfter(current, NewCopy(text, n));
+  LinkAfter(current, NewCopy(text, n), true);
   return false;
 }
 
