@@ -44,7 +44,7 @@ int RunFasta(const Str& path, const RunOptions& options, std::ostream& out, std:
   FileReader input;
   Writer writer(out, err);
   // The project tree is examined, and may end the run, before the input is looked at.
-  writer.SetFiles(options);
+  writer.SetFiles(options.quality, options.suffix, options.Reference(), options.abi);
   if (!input.Open(path)) {
     err << kCannotOpen << path << std::endl;
     return 0;

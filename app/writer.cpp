@@ -61,8 +61,11 @@ Writer::Writer(std::ostream& progress, std::ostream& errors)
 
 Writer::~Writer() = default;
 
-void Writer::SetFiles(const RunOptions& settled) {
-  options = settled;
+void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi) {
+  options.quality.Copy(quality);
+  options.suffix.Copy(referenceSuffix);
+  options.abi = abi;
+  referenceSet = reference;
   Directory directory;
   Str root = ProjectRoot();
   chromatDir = UsableOr(root, kChromatDir, true, directory);
@@ -83,13 +86,13 @@ Str Writer::ProjectRoot() {
 
 void Writer::WriteFiles(Str& name, const Str& sequence) {
   CTime now;
-  if (options.Reference()) name.Append(options.suffix);
+  if (referenceSet) name.Append(options.suffix);
   Str chromatName(name);
   Str bases(sequence.Length());
   CleanSequence(sequence, bases);
   WriteChromat(bases, chromatName);
   WritePhd(name, chromatName, now.GetCTime(), bases);
-  if (!options.Reference()) WritePoly(name, bases);
+  if (!referenceSet) WritePoly(name, bases);
 }
 
 // Upper case, letters only: every letter is kept, not only A, C, G and T. `bases` comes with

@@ -37,9 +37,10 @@ class Writer {
   ~Writer();
 
   // Takes over the options and settles the three directories; called once, before WriteFiles.
+  // `reference` asks for a reference set (the suffix joins the name, no poly file).
   // chromat_dir/ and phd_dir/ fall back to the project root when the owner may not read and
   // write them; a poly_dir/ the owner may not read throws the int 1.
-  void SetFiles(const RunOptions& settled);
+  void SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi);
 
   // Writes the files of one record. In reference mode the suffix is appended to `name` itself.
   void WriteFiles(Str& name, const Str& sequence);
@@ -49,7 +50,8 @@ class Writer {
   Str chromatDir;  // each ends in '/', or is the project root when the directory is unusable
   Str phdDir;
   Str polyDir;
-  RunOptions options;
+  RunOptions options;  // the quality text, the suffix and the chromatogram form
+  bool referenceSet = false;
   std::ostream& out;
   std::ostream& err;
 

@@ -124,14 +124,36 @@ TEST(StrList, DeletesOnlyItsOwnCopies) {
   Str* borrowed[] = {&outside};
   const std::function<void(StrList&, StrList&)> rows[] = {
       [&](StrList& l, StrList&) { l.Append(borrowed, 1L); },
-      [&](StrList& l, StrList&) { l.Append("own"), l.Copy(borrowed, 1L); },
-      [&](StrList& l, StrList&) { l.Append("own"), delete l.Replace(&outside); },
-      [&](StrList& l, StrList&) { l.Append("own"), l.Append(l); },  // one copy linked twice
-      [&](StrList& l, StrList& o) { o.Append("own"), l.Append(o), delete o.Remove(0); },
-      [&](StrList& l, StrList& o) { o.Append("own"), l.Append(o); },  // shared, either dies first
-      [&](StrList& l, StrList& o) { o.Append("moved"), l.Insert(o); },
-      [&](StrList& l, StrList& o) { l.Append("own"), o.Append("x"), l.Copy(o); },  // drops a copy
-      [&](StrList& l, StrList&) { l.Append(borrowed, 1L), l.SetList("own"); },
+      [&](StrList& l, StrList&) {
+        l.Append("own");
+        l.Copy(borrowed, 1L);  // drops the link of its own copy, not the copy
+      },
+      [&](StrList& l, StrList&) {
+        l.Append("own");
+        delete l.Replace(&outside);
+      },
+      [&](StrList& l, StrList&) {
+        l.Append("own");
+        l.Append(l);  // one copy linked twice
+      },
+      [&](StrList& l, StrList& o) {
+        o.Append("own");
+        l.Append(o);
+        delete o.Remove(0);
+      },
+      [&](StrList& l, StrList& o) {
+        o.Append("own");
+        l.Append(o);  // shared: either list may go first
+      },
+      [&](StrList& l, StrList& o) {
+        o.Append("moved");
+        l.Insert(o);
+      },
+      [&](StrList& l, StrList& o) {
+        l.Append("own");
+        o.Append("x");
+        l.Copy(o);
+      },
   };
   for (const auto& row : rows) {
     for (bool listFirst : {true, false}) {

@@ -17,7 +17,7 @@ TEST(Writer, MissingPolyDirThrowsOneBeforeAnyOutput) {
   Writer writer(out, err);
   int thrown = 0;
   try {
-    writer.SetFiles(RunOptions{"59", "", false});
+    writer.SetFiles("59", "", false, false);
   } catch (int value) {
     thrown = value;
   }

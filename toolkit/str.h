@@ -499,17 +499,16 @@ class SList {
   // The workers of Append(T*) and InsertNext(T*); `owned` marks a copy the list made itself.
   void AppendItem(T* x, bool owned);
   void InsertNextItem(T* x, bool owned);
-  void DeleteElements(bool ownedOnly);  // Clear's worker: every element or only the owned ones
 };
 
 // A list of texts. Its own insertions store a new copy of the text, which the list owns and
-// deletes when it is cleared or destroyed. The inherited pointer operations (Append of an array
-// or a list, Copy of an array or an SList, Replace) link the caller's pointers, which the list
-// never deletes, not even in Clear; lists sharing pointers may so be destroyed in any order.
+// deletes when it is destroyed. The inherited pointer operations (Append of an array or a list,
+// Copy of an array or an SList, Replace) link the caller's pointers, which its destruction leaves
+// alone, so lists sharing pointers may be destroyed in any order. Clear and SetList, like
+// SList::Clear, delete every element, shared or not.
 class StrList : public SList<Str> {
  public:
   StrList();
-  void Clear() override;  // deletes the list's own copies only
 
   using SList<Str>::Append;
   using SList<Str>::Insert;

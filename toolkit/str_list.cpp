@@ -44,15 +44,10 @@ void SList<T>::Reset() {
   count = 0;
 }
 
+// Every element goes, whoever made it; `owned` is cleared so that Reset does not keep it.
 template <class T>
 void SList<T>::Clear() {
-  DeleteElements(false);
-}
-
-template <class T>
-void SList<T>::DeleteElements(bool ownedOnly) {
   for (SLink* link = head->next; link != nullptr; link = link->next) {
-    if (ownedOnly && !link->owned) continue;
     delete static_cast<T*>(link->item);
     link->owned = false;
   }
@@ -338,8 +333,6 @@ const Str& TextOf(const SLink* link) { return *static_cast<const Str*>(link->ite
 }  // namespace
 
 StrList::StrList() = default;
-
-void StrList::Clear() { DeleteElements(true); }
 
 void StrList::SetList(Str& text) {
   Clear();
