@@ -5,7 +5,8 @@
 #   make scale  runs the long scale checks (bench/scale_check.py), which the test run leaves out
 #   make sanitize    runs every test against a build with AddressSanitizer and UBSan (build-asan/)
 #   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/) and runs each for 15 s
-#   make check       make test, then make sanitize, then make fuzz-smoke: what CI runs
+#   make check       installs the Debian packages the tests need (tools/check-packages.sh), then
+#                    make test, make sanitize and make fuzz-smoke: what CI runs
 # Install: after `make build`, `cmake --install build --prefix /usr/local` puts bin/synthcall and
 # share/man/man1/synthcall.1 under the prefix (add DESTDIR=... for a staged install).
 BUILD ?= build
@@ -56,8 +57,9 @@ sanitize:
 fuzz-smoke:
 	JOBS=$(JOBS) fuzz/run.sh $(FUZZ_SECONDS)
 
-# One after the other, also under make -j.
+# One after the other, also under make -j; a missing package stops it before anything is built.
 check:
+	tools/check-packages.sh
 	$(MAKE) test
 	$(MAKE) sanitize
 	$(MAKE) fuzz-smoke
