@@ -4,7 +4,8 @@
 #   make bench  builds a Release synthcall in build-bench/ and measures it (bench/README.md)
 #   make scale  runs the long scale checks (bench/scale_check.py), which the test run leaves out
 #   make sanitize    runs every test against a build with AddressSanitizer and UBSan (build-asan/)
-#   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/) and runs each for 15 s
+#   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/), replays their seeds and
+#                    fuzzes each for 10 s, two at a time
 #   make check       installs the Debian packages the tests need (tools/check-packages.sh), then
 #                    make test, make sanitize and make fuzz-smoke: what CI runs
 # Install: after `make build`, `cmake --install build --prefix /usr/local` puts bin/synthcall and
@@ -14,7 +15,7 @@ JOBS ?= 2
 DEMO := $(BUILD)/demo
 BENCH_BUILD ?= build-bench
 ASAN_BUILD ?= build-asan
-FUZZ_SECONDS ?= 15
+FUZZ_SECONDS ?= 10
 
 .PHONY: all build demo test bench scale sanitize fuzz-smoke check clean
 
