@@ -1,8 +1,6 @@
-#include "app/trace.h"
+#include "app/chunk_writer.h"
 
 #include <cstring>
-
-namespace trace {
 
 unsigned char* ChunkWriter::Room(long& n) {
   if (used == kSize) Flush();
@@ -35,5 +33,3 @@ void ChunkWriter::Flush() {
   if (used > 0) file.AppendByte(chunk, used);
   used = 0;
 }
-
-}  // namespace trace
