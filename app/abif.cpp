@@ -4,8 +4,8 @@
 // the four DATA entries change with the sequence.
 #include <cstring>
 
+#include "app/block_writer.h"
 #include "app/chromat.h"
-#include "app/chunk_writer.h"
 #include "app/trace.h"
 #include "toolkit/encoding.h"
 
@@ -133,7 +133,7 @@ int DrawnMask(const char* bases, long count, int channel, int& drawn) {
   return mask;
 }
 
-void PutChannel(ChunkWriter& out, int channel, const char* bases, long n) {
+void PutChannel(BlockWriter& out, int channel, const char* bases, long n) {
   out.Fill(0, trace::kAbifFirstPeak * kBytesPerHeight);
   int drawn = trace::kNoChannel;
   int previous = 0;
@@ -167,7 +167,7 @@ void WriteAbif(FileWriter& file, const char* bases, long n) {
     PutUint32(p, offset);          // 20: data offset
     offset += arrayBytes;
   }
-  ChunkWriter out(file);
+  BlockWriter out(file);
   out.Put(head, kTemplateSize);
   for (int channel = 0; channel < trace::kChannels; ++channel) PutChannel(out, channel, bases, n);
   out.Flush();

@@ -1,8 +1,8 @@
 // SCF 2.00 output: a 128-byte header followed by the sample points, each point four big-endian
 // 16-bit heights in the order A, C, G, T. The header announces no bases, comments or private
 // data; the bases and their positions go to the phd file instead.
+#include "app/block_writer.h"
 #include "app/chromat.h"
-#include "app/chunk_writer.h"
 #include "app/trace.h"
 #include "toolkit/encoding.h"
 
@@ -40,7 +40,7 @@ constexpr SlotTable MakeSlotTable() {
 
 constexpr SlotTable kSlots = MakeSlotTable();
 
-void PutHeader(ChunkWriter& out, long samples) {
+void PutHeader(BlockWriter& out, long samples) {
   unsigned char header[kHeaderSize];
   unsigned char* p = header;
   p = PutText(p, ".scf", 4);                // 0: magic number
@@ -61,7 +61,7 @@ void PutHeader(ChunkWriter& out, long samples) {
   out.Put(header, kHeaderSize);
 }
 
-void PutSamples(ChunkWriter& out, const char* bases, long n) {
+void PutSamples(BlockWriter& out, const char* bases, long n) {
   out.Fill(0, trace::kScfFirstPeak * kPointSize);
   int previous = trace::kNoChannel;
   for (long i = 0; i < n; ++i) {
@@ -78,7 +78,7 @@ void PutSamples(ChunkWriter& out, const char* bases, long n) {
 
 void WriteScf(FileWriter& file, const char* bases, long n) {
   const long samples = trace::SampleCount(n);
-  ChunkWriter out(file);
+  BlockWriter out(file);
   PutHeader(out, samples);
   PutSamples(out, bases, n);
   out.Flush();
