@@ -34,14 +34,20 @@ class BlockWriter {
   }
   void Fill(unsigned char c, long n);
 
-  // For formatters that store a piece of at most n bytes (n <= kSize) in place: Reserve returns
-  // where it goes, handing the block over first when less room is left, and Commit takes the
-  // position after what was stored.
-  unsigned char* Reserve(long n) {
-    if (end - cursor < n) Flush();
-    return cursor;
+  // Stores `count` pieces of at most `most` bytes each (most <= kSize) in place: store(at, k)
+  // stores piece k at `at` and returns the position after it. The room is checked once for as
+  // many pieces as surely fit, not once per piece, and the block handed over when it runs short.
+  template <typename StorePiece>
+  void PutEach(long count, long most, StorePiece store) {
+    for (long k = 0; k < count;) {
+      if (end - cursor < most) Flush();
+      unsigned char* at = cursor;
+      const long fit = (end - at) / most;
+      const long last = count - k < fit ? count : k + fit;
+      for (; k < last; ++k) at = store(at, k);
+      cursor = at;
+    }
   }
-  void Commit(unsigned char* next) { cursor = next; }
 
   void Flush();
 

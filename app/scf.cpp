@@ -1,6 +1,8 @@
 // SCF 2.00 output: a 128-byte header followed by the sample points, each point four big-endian
 // 16-bit heights in the order A, C, G, T. The header announces no bases, comments or private
 // data; the bases and their positions go to the phd file instead.
+#include <cstring>
+
 #include "app/block_writer.h"
 #include "app/chromat.h"
 #include "app/trace.h"
@@ -64,11 +66,12 @@ void PutHeader(BlockWriter& out, long samples) {
 void PutSamples(BlockWriter& out, const char* bases, long n) {
   out.Fill(0, trace::kScfFirstPeak * kPointSize);
   int previous = trace::kNoChannel;
-  for (long i = 0; i < n; ++i) {
+  out.PutEach(n, kSlotSize, [&](unsigned char* at, long i) {
     const int own = trace::BaseChannel(bases[i]);
-    out.Put(kSlots.slot[previous][own], kSlotSize);
+    std::memcpy(at, kSlots.slot[previous][own], kSlotSize);
     previous = own;
-  }
+    return at + kSlotSize;
+  });
   // The first point of a peakless slot holds exactly the previous peak's last height.
   out.Put(kSlots.slot[previous][trace::kNoChannel], kPointSize);
   out.Fill(0, (kTailPoints - 1) * kPointSize);
