@@ -61,11 +61,12 @@ Writer::Writer(std::ostream& progress, std::ostream& errors)
 
 Writer::~Writer() = default;
 
-void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi) {
-  this->quality.Copy(quality);
-  this->referenceSuffix.Copy(referenceSuffix);
-  this->reference = reference;
-  this->abi = abi;
+void Writer::SetFiles(const Str& qualityText, const Str& suffix, bool makeReference,
+                      bool abiForm) {
+  quality.Copy(qualityText);
+  referenceSuffix.Copy(suffix);
+  reference = makeReference;
+  abi = abiForm;
   Directory directory;
   Str root = ProjectRoot();
   chromatDir = UsableOr(root, kChromatDir, true, directory);

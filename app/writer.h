@@ -29,7 +29,7 @@ class Writer {
   // Takes over the options and settles the three directories; called once, before WriteFiles.
   // chromat_dir/ and phd_dir/ fall back to the project root when the owner may not read and
   // write them; a poly_dir/ the owner may not read throws the int 1.
-  void SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi);
+  void SetFiles(const Str& qualityText, const Str& suffix, bool makeReference, bool abiForm);
 
   // Writes the files of one record. In reference mode the suffix is appended to `name` itself.
   void WriteFiles(Str& name, const Str& sequence);
