@@ -1,9 +1,12 @@
 #include "app/writer.h"
 
 #include <cctype>
+#include <cstring>
 #include <iostream>
 
+#include "app/block_writer.h"
 #include "app/chromat.h"
+#include "app/position_line.h"
 #include "app/trace.h"
 #include "toolkit/ctime.h"
 
@@ -34,17 +37,32 @@ constexpr char kPhdEnd[] = "END_DNA\nEND_SEQUENCE";  // the file ends without a 
 constexpr char kPolyHeader[] = " 1 1 1 1 1\n";
 constexpr char kPolyPeak[] = " 300000 1 N  -1  -1 -1 ";
 
+// An area field is stored with one fixed-size move of its whole row, so the rows have one size.
+struct AreaField {
+  char text[16];
+  long length;
+};
+constexpr AreaField Area(const char* text) {
+  AreaField field{};
+  for (; text[field.length] != '\0'; ++field.length) field.text[field.length] = text[field.length];
+  return field;
+}
+
 // The area field of each channel, in the channel order A, C, G, T, and last the one of the
 // letters without a channel of their own.
-constexpr const char* kAreaFields[trace::kChannels + 1] = {
-    "60000 0 0 0\n",  // A
-    "0 60000 0 0\n",  // C
-    "0 0 60000 0\n",  // G
-    "0 0 0 60000\n",  // T
-    "0 0 0 0\n",      // any other letter
+constexpr AreaField kAreaFields[trace::kChannels + 1] = {
+    Area("60000 0 0 0\n"),  // A
+    Area("0 60000 0 0\n"),  // C
+    Area("0 0 60000 0\n"),  // G
+    Area("0 0 0 60000\n"),  // T
+    Area("0 0 0 0\n"),      // any other letter
 };
 
-const char* AreasOf(char base) { return kAreaFields[trace::BaseChannel(base)]; }
+unsigned char* PutArea(unsigned char* at, char base) {
+  const AreaField& field = kAreaFields[trace::BaseChannel(base)];
+  std::memcpy(at, field.text, sizeof field.text);
+  return at + field.length;
+}
 
 // The directory when its owner may use it as asked, else the project root itself.
 Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
@@ -61,8 +79,7 @@ Writer::Writer(std::ostream& progress, std::ostream& errors)
 
 Writer::~Writer() = default;
 
-void Writer::SetFiles(const Str& qualityText, const Str& suffix, bool makeReference,
-                      bool abiForm) {
+void Writer::SetFiles(const Str& qualityText, const Str& suffix, bool makeReference, bool abiForm) {
   quality.Copy(qualityText);
   referenceSuffix.Copy(suffix);
   reference = makeReference;
@@ -131,13 +148,17 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   file.Append(kPhdMaxIndex);
   file.Append(trace::SampleCount(bases.Length()) - 1);  // the last sample's index
   file.Append(kPhdDna);
+  // The DNA lines: base, quality and position, each followed by one blank or the newline.
+  BlockWriter out(file);
+  PositionLine line(" " + quality + " ", "\n");
   const char* base = bases.String();
-  for (long i = 0; i < bases.Length(); ++i) {
-    file.AppendToken(base[i]);
-    file.AppendToken(quality);
-    file.AppendLine(trace::BasePosition(i));
-  }
-  file.Append(kPhdEnd);
+  out.PutEach(bases.Length(), line.Capacity(), [&](unsigned char* at, long i) {
+    at = line.Store(at, base[i]);
+    line.Advance();
+    return at;
+  });
+  out.Put(kPhdEnd, sizeof kPhdEnd - 1);
+  out.Flush();
   CloseFile(path);
 }
 
@@ -146,13 +167,16 @@ void Writer::WritePoly(const Str& name, const Str& bases) {
   OpenFile(kFileAnnouncement, path);
   file.Append(name);
   file.Append(kPolyHeader);
+  BlockWriter out(file);
+  PositionLine line(" ", kPolyPeak);
   const char* base = bases.String();
-  for (long i = 0; i < bases.Length(); ++i) {
-    file.AppendToken(base[i]);
-    file.Append(trace::BasePosition(i));
-    file.Append(kPolyPeak);
-    file.Append(AreasOf(base[i]));
-  }
+  out.PutEach(bases.Length(), line.Capacity() + sizeof AreaField::text,
+              [&](unsigned char* at, long i) {
+                at = PutArea(line.Store(at, base[i]), base[i]);
+                line.Advance();
+                return at;
+              });
+  out.Flush();
   CloseFile(path);
 }
 
