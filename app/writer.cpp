@@ -1,6 +1,5 @@
 #include "app/writer.h"
 
-#include <cctype>
 #include <cstring>
 #include <iostream>
 
@@ -64,6 +63,19 @@ unsigned char* PutArea(unsigned char* at, char base) {
   return at + field.length;
 }
 
+// What the sequence's bytes become: letters upper-cased, as the C locale's toupper does it, and
+// 0 for every byte that is not a letter there, which cleaning drops.
+struct CleanTable {
+  char of[256];
+};
+constexpr CleanTable MakeCleanTable() {
+  CleanTable table{};
+  for (int c = 'A'; c <= 'Z'; ++c) table.of[c] = static_cast<char>(c);
+  for (int c = 'a'; c <= 'z'; ++c) table.of[c] = static_cast<char>(c - 'a' + 'A');
+  return table;
+}
+constexpr CleanTable kClean = MakeCleanTable();
+
 // The directory when its owner may use it as asked, else the project root itself.
 Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
   const Str path = root + name;
@@ -106,21 +118,32 @@ void Writer::WriteFiles(Str& name, const Str& sequence) {
   CTime now;
   if (reference) name.Append(referenceSuffix);
   Str chromatName(name);
-  Str bases(sequence.Length());
-  CleanSequence(sequence, bases);
+  Str copy;
+  const Str& bases = CleanSequence(sequence, copy);
   WriteChromat(bases, chromatName);
   WritePhd(name, chromatName, now.GetCTime(), bases);
   if (!reference) WritePoly(name, bases);
 }
 
-// Upper case, letters only: every letter is kept, not only A, C, G and T. `bases` comes with
-// room for the whole sequence, so appending never moves it.
-void Writer::CleanSequence(const Str& sequence, Str& bases) {
-  const char* text = sequence.String();
-  for (long i = 0; i < sequence.Length(); ++i) {
-    int c = std::toupper(static_cast<unsigned char>(text[i]));
-    if (std::isalpha(c)) bases.Append(static_cast<char>(c));
+// Upper case, letters only: every letter is kept, not only A, C, G and T. A sequence that is
+// clean already, as most are, is used as it is; otherwise `copy` is cleaned in place and cut to
+// the letters kept.
+const Str& Writer::CleanSequence(const Str& sequence, Str& copy) {
+  const char* const text = sequence.String();
+  const long n = sequence.Length();
+  long i = 0;
+  while (i < n && text[i] >= 'A' && text[i] <= 'Z') ++i;
+  if (i == n) return sequence;
+  copy.Copy(sequence);
+  char* const bases = copy.String();
+  long kept = i;
+  for (; i < n; ++i) {
+    const char c = kClean.of[static_cast<unsigned char>(bases[i])];
+    bases[kept] = c;
+    kept += c != '\0';
   }
+  copy.DeleteRight(n - kept);
+  return copy;
 }
 
 // An SCF file is named with ".scf", an ABIF file has no extension; the phd file names it without

@@ -46,7 +46,7 @@ class Writer {
   std::ostream& out;
   std::ostream& err;
 
-  static void CleanSequence(const Str& sequence, Str& bases);
+  static const Str& CleanSequence(const Str& sequence, Str& copy);
   static Str ProjectRoot();
   void WriteChromat(const Str& bases, Str& chromatName);
   void WritePhd(const Str& name, const Str& chromatName, const Str& time, const Str& bases);
