@@ -172,16 +172,16 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   file.Append(trace::SampleCount(bases.Length()) - 1);  // the last sample's index
   file.Append(kPhdDna);
   // The DNA lines: base, quality and position, each followed by one blank or the newline.
-  BlockWriter out(file);
+  BlockWriter lines(file);
   PositionLine line(" " + quality + " ", "\n");
   const char* base = bases.String();
-  out.PutEach(bases.Length(), line.Capacity(), [&](unsigned char* at, long i) {
+  lines.PutEach(bases.Length(), line.Capacity(), [&](unsigned char* at, long i) {
     at = line.Store(at, base[i]);
     line.Advance();
     return at;
   });
-  out.Put(kPhdEnd, sizeof kPhdEnd - 1);
-  out.Flush();
+  lines.Put(kPhdEnd, sizeof kPhdEnd - 1);
+  lines.Flush();
   CloseFile(path);
 }
 
@@ -190,16 +190,16 @@ void Writer::WritePoly(const Str& name, const Str& bases) {
   OpenFile(kFileAnnouncement, path);
   file.Append(name);
   file.Append(kPolyHeader);
-  BlockWriter out(file);
+  BlockWriter lines(file);
   PositionLine line(" ", kPolyPeak);
   const char* base = bases.String();
-  out.PutEach(bases.Length(), line.Capacity() + sizeof AreaField::text,
-              [&](unsigned char* at, long i) {
-                at = PutArea(line.Store(at, base[i]), base[i]);
-                line.Advance();
-                return at;
-              });
-  out.Flush();
+  lines.PutEach(bases.Length(), line.Capacity() + sizeof AreaField::text,
+                [&](unsigned char* at, long i) {
+                  at = PutArea(line.Store(at, base[i]), base[i]);
+                  line.Advance();
+                  return at;
+                });
+  lines.Flush();
   CloseFile(path);
 }
 
