@@ -12,20 +12,6 @@
 #include "app/trace.h"
 #include "toolkit/str.h"
 
-// "00", "01", ... "99" one after the other: the last two digits of a position, by table.
-struct DigitPairs {
-  char text[200];
-};
-constexpr DigitPairs MakeDigitPairs() {
-  DigitPairs pairs{};
-  for (int k = 0; k < 100; ++k) {
-    pairs.text[2 * k] = static_cast<char>('0' + k / 10);
-    pairs.text[2 * k + 1] = static_cast<char>('0' + k % 10);
-  }
-  return pairs;
-}
-inline constexpr DigitPairs kDigitPairs = MakeDigitPairs();
-
 class PositionLine {
  public:
   // The line "<base><before><position><after>".
@@ -38,12 +24,16 @@ class PositionLine {
   // Stores the line of `base` at `at`, which has Capacity() bytes of room, and returns the
   // position after the line. The bytes behind it up to Capacity() are scratch.
   unsigned char* Store(unsigned char* at, char base) const {
+    // Everything is read before the first store, which may alias anything.
     const char* from = text.data();
-    const long n = length;  // read once: the stores below may alias anything
+    const long n = length;
+    const long last = lastDigits;
+    const unsigned two = static_cast<unsigned>(lastTwo);
     std::memcpy(at, from, kMove);
     for (long k = kMove; k < n; k += kMove) std::memcpy(at + k, from + k, kMove);
-    *at = static_cast<unsigned char>(base);
-    std::memcpy(at + lastDigits, kDigitPairs.text + 2 * lastTwo, 2);
+    at[0] = static_cast<unsigned char>(base);
+    at[last] = static_cast<unsigned char>('0' + two / 10);
+    at[last + 1] = static_cast<unsigned char>('0' + two % 10);
     return at + n;
   }
 
