@@ -167,7 +167,8 @@ void WriteAbif(FileWriter& file, const char* bases, long n) {
     PutUint32(p, offset);          // 20: data offset
     offset += arrayBytes;
   }
-  BlockWriter out(file);
+  BlockWriter out(file,
+                  static_cast<long>(offset));  // the file ends where a fifth array would start
   out.Put(head, kTemplateSize);
   for (int channel = 0; channel < trace::kChannels; ++channel) PutChannel(out, channel, bases, n);
   out.Flush();

@@ -2,7 +2,7 @@
 // FileWriter::WriteThrough: the chromatogram, phd and poly writers store every byte once, here,
 // and the kernel takes it from here, with no second copy through the FileWriter's buffer. The
 // block is large enough that a file of hundreds of megabytes costs few system calls, and small
-// enough to stay in the processor's cache while it fills.
+// enough to stay in the processor's cache while it fills; a small file gets a small block.
 //
 // Flush before anything else is appended to the file and before it is closed; the destructor
 // does not write. Owns its block. Not copyable.
@@ -16,9 +16,11 @@
 
 class BlockWriter {
  public:
-  static constexpr long kSize = 256 * 1024;
+  static constexpr long kMaxSize = 256 * 1024;
+  static constexpr long kMinSize = 4096;
 
-  explicit BlockWriter(FileWriter& target);
+  // A block for `bytes`, the most the caller will put in, within the sizes above.
+  BlockWriter(FileWriter& target, long bytes);
   BlockWriter(const BlockWriter&) = delete;
   BlockWriter& operator=(const BlockWriter&) = delete;
 
@@ -34,13 +36,13 @@ class BlockWriter {
   }
   void Fill(unsigned char c, long n);
 
-  // Stores `count` pieces of at most `most` bytes each (most <= kSize) in place: store(at, k)
+  // Stores `count` pieces of at most `most` bytes each in place: store(at, k)
   // stores piece k at `at` and returns the position after it. The room is checked once for as
   // many pieces as surely fit, not once per piece, and the block handed over when it runs short.
   template <typename StorePiece>
   void PutEach(long count, long most, StorePiece store) {
     for (long k = 0; k < count;) {
-      if (end - cursor < most) Flush();
+      if (end - cursor < most) MakeRoom(most);
       unsigned char* at = cursor;
       const long fit = (end - at) / most;
       const long last = count - k < fit ? count : k + fit;
@@ -58,6 +60,7 @@ class BlockWriter {
   unsigned char* end;     // block + kSize
 
   long Room(long n);
+  void MakeRoom(long n);
   void PutAcross(const unsigned char* bytes, long n);  // a piece larger than the room left
 };
 

@@ -81,7 +81,7 @@ void PutSamples(BlockWriter& out, const char* bases, long n) {
 
 void WriteScf(FileWriter& file, const char* bases, long n) {
   const long samples = trace::SampleCount(n);
-  BlockWriter out(file);
+  BlockWriter out(file, kHeaderSize + samples * kPointSize);
   PutHeader(out, samples);
   PutSamples(out, bases, n);
   out.Flush();

@@ -172,8 +172,8 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   file.Append(trace::SampleCount(bases.Length()) - 1);  // the last sample's index
   file.Append(kPhdDna);
   // The DNA lines: base, quality and position, each followed by one blank or the newline.
-  BlockWriter lines(file);
   PositionLine line(" " + quality + " ", "\n");
+  BlockWriter lines(file, bases.Length() * line.Capacity() + sizeof kPhdEnd);
   const char* base = bases.String();
   lines.PutEach(bases.Length(), line.Capacity(), [&](unsigned char* at, long i) {
     at = line.Store(at, base[i]);
@@ -190,15 +190,15 @@ void Writer::WritePoly(const Str& name, const Str& bases) {
   OpenFile(kFileAnnouncement, path);
   file.Append(name);
   file.Append(kPolyHeader);
-  BlockWriter lines(file);
   PositionLine line(" ", kPolyPeak);
+  const long most = line.Capacity() + sizeof AreaField::text;
+  BlockWriter lines(file, bases.Length() * most);
   const char* base = bases.String();
-  lines.PutEach(bases.Length(), line.Capacity() + sizeof AreaField::text,
-                [&](unsigned char* at, long i) {
-                  at = PutArea(line.Store(at, base[i]), base[i]);
-                  line.Advance();
-                  return at;
-                });
+  lines.PutEach(bases.Length(), most, [&](unsigned char* at, long i) {
+    at = PutArea(line.Store(at, base[i]), base[i]);
+    line.Advance();
+    return at;
+  });
   lines.Flush();
   CloseFile(path);
 }
