@@ -266,7 +266,7 @@ def main():
     parser.add_argument("--binary", required=True, help="the synthcall to measure")
     parser.add_argument("--floor", required=True, help="the write floor (write_floor.cpp)")
     parser.add_argument("--work", help="where to make the scratch directory (default: /dev/shm)")
-    parser.add_argument("--pairs", type=int, default=5, help="alternating pairs per case")
+    parser.add_argument("--pairs", type=int, default=7, help="alternating pairs per case")
     parser.add_argument("--keep", action="store_true", help="keep the scratch directory")
     parser.add_argument("--abi", action="store_true", help="also measure the -abi cases")
     parser.add_argument("--reads", type=int, default=READ_COUNT, help="number of reads")
