@@ -1,11 +1,18 @@
 #include "app/position_line.h"
 
+#include <cstring>
+
+// The line is laid out once; later only the position's digits change.
 PositionLine::PositionLine(const Str& before, const Str& after)
-    : lead(before.String(), before.Length()),
-      tail(after.String(), after.Length()),
-      hundreds(trace::BasePosition(0) / 100),
-      lastTwo(trace::BasePosition(0) % 100) {
-  Build();
+    : hundreds(trace::BasePosition(0) / 100), lastTwo(trace::BasePosition(0) % 100) {
+  const long longest = 1 + before.Length() + Str::kNumberTextSize + after.Length();
+  text.assign((longest + kMove - 1) / kMove * kMove, '\0');
+  text[0] = ' ';  // the base's place
+  digits = 1 + before.Length();
+  std::memcpy(&text[1], before.String(), before.Length());
+  PutPosition();
+  std::memcpy(&text[lastDigits + 2], after.String(), after.Length());
+  length = lastDigits + 2 + after.Length();
 }
 
 // The last two digits passed 99: one more for the digits before them. As long as the number
@@ -14,7 +21,7 @@ void PositionLine::Carry() {
   lastTwo -= 100;
   ++hundreds;
   if (100 * hundreds + lastTwo >= widerAt) {
-    Build();
+    Widen();
     return;
   }
   long digit = lastDigits - 1;
@@ -22,19 +29,21 @@ void PositionLine::Carry() {
   ++text[digit];
 }
 
-// The whole line anew, when the position gains a digit and the tail must move.
-void PositionLine::Build() {
+// The position gained a digit: what follows it moves one place on.
+void PositionLine::Widen() {
+  const long tail = lastDigits + 2;
+  std::memmove(&text[tail + 1], &text[tail], length - tail);
+  ++length;
+  PutPosition();
+}
+
+// Writes the whole position at `digits`, and notes where its last two digits stand and when it
+// gains one more.
+void PositionLine::PutPosition() {
   const long position = 100 * hundreds + lastTwo;
-  const Str::NumberText digits(position);
-  text.assign(1, ' ');  // the base's place
-  text += lead;
-  text.append(digits.text, digits.length);
-  const long digitsEnd = static_cast<long>(text.size());
-  text += tail;
-  length = static_cast<long>(text.size());
-  const long longest = 1 + static_cast<long>(lead.size() + tail.size()) + Str::kNumberTextSize;
-  text.resize((longest + kMove - 1) / kMove * kMove, '\0');
-  lastDigits = digitsEnd - 2;
+  const Str::NumberText number(position);
+  std::memcpy(&text[digits], number.text, number.length);
+  lastDigits = digits + number.length - 2;
   widerAt = 10;
   while (widerAt <= position) widerAt *= 10;
 }

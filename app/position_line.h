@@ -54,19 +54,19 @@ class PositionLine {
   static_assert(
       kStep < 100 && trace::BasePosition(0) >= 10,
       "a step changes the last two digits of a number that has two, carrying at most one");
-  std::string lead;
-  std::string tail;
   std::string text;  // the line, then zeros up to Capacity()
-  long length = 0;   // of the line
+  long length;       // of the line
+  long digits;       // where the position's digits begin
   // The position is 100 * hundreds + lastTwo. The line holds the digits of `hundreds`; the last
   // two digits go at offset lastDigits.
   long hundreds;
   long lastTwo;
-  long lastDigits = 0;
-  long widerAt = 0;  // the first position with one digit more
+  long lastDigits;
+  long widerAt;  // the first position with one digit more
 
   void Carry();
-  void Build();
+  void Widen();
+  void PutPosition();
 };
 
 #endif  // SYNTHCALL_APP_POSITION_LINE_H
