@@ -137,12 +137,14 @@ void PutChannel(BlockWriter& out, int channel, const char* bases, long n) {
   out.Fill(0, trace::kAbifFirstPeak * kBytesPerHeight);
   int drawn = trace::kNoChannel;
   int previous = 0;
-  long i = 0;
-  for (; i + kGroup <= n; i += kGroup) {
-    const int mask = DrawnMask(bases + i, kGroup, channel, drawn);
-    out.Put(kGroups.slots[previous][mask], kGroupSize);
+  const long groups = n / kGroup;
+  out.PutEach(groups, kGroupSize, [&](unsigned char* at, long group) {
+    const int mask = DrawnMask(bases + group * kGroup, kGroup, channel, drawn);
+    std::memcpy(at, kGroups.slots[previous][mask], kGroupSize);
     previous = mask >> (kGroup - 1);
-  }
+    return at + kGroupSize;
+  });
+  const long i = groups * kGroup;
   const long rest = n - i;
   const int mask = DrawnMask(bases + i, rest, channel, drawn);
   out.Put(kGroups.slots[previous][mask], rest * kSlotSize);
