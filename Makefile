@@ -1,7 +1,8 @@
 # Thin entry points over CMake.
 #   make demo   builds synthcall and runs it on the bundled example in a scratch project tree
 #   make test   builds everything and runs every test
-#   make bench  builds a Release synthcall in build-bench/ and measures it (bench/README.md)
+#   make bench  builds a Release synthcall and the write floor in build-bench/ and measures them
+#               (bench/README.md)
 #   make scale  runs the long scale checks (bench/scale_check.py), which the test run leaves out
 #   make sanitize    runs every test against a build with AddressSanitizer and UBSan (build-asan/)
 #   make fuzz-smoke  builds the libFuzzer targets (clang++, build-fuzz/), replays their seeds and

@@ -4,18 +4,12 @@
 // the four DATA entries change with the sequence.
 #include <cstring>
 
+#include "app/block_writer.h"
 #include "app/chromat.h"
 #include "app/trace.h"
+#include "toolkit/encoding.h"
 
 namespace {
-
-using trace::kChannels;
-using trace::kNoChannel;
-using trace::kSamplesPerBase;
-using trace::PutFill;
-using trace::PutText;
-using trace::PutUint16;
-using trace::PutUint32;
 
 constexpr long kHeaderSize = 128;
 constexpr long kEntrySize = 28;
@@ -97,7 +91,7 @@ constexpr Template kTemplate = MakeTemplate();
 // slots per copy from a table of every group of four, indexed by [the base before the group was
 // drawn here][bit k: base k of the group is drawn here]. The first slots of an entry serve for a
 // shorter group at the end of the sequence.
-constexpr long kSlotSize = kSamplesPerBase * kBytesPerHeight;
+constexpr long kSlotSize = trace::kSamplesPerBase * kBytesPerHeight;
 constexpr int kGroup = 4;
 constexpr long kGroupSize = kGroup * kSlotSize;
 
@@ -113,7 +107,7 @@ constexpr GroupTable MakeGroupTable() {
       bool before = previous;
       for (int k = 0; k < kGroup; ++k) {
         const bool here = (mask >> k) & 1;
-        for (long s = 0; s < kSamplesPerBase; ++s) {
+        for (long s = 0; s < trace::kSamplesPerBase; ++s) {
           p = PutUint16(p, trace::SlotHeight(here, before, s));
         }
         before = here;
@@ -124,7 +118,7 @@ constexpr GroupTable MakeGroupTable() {
 }
 
 constexpr GroupTable kGroups = MakeGroupTable();
-constexpr long kTailSamples = kSamplesPerBase - trace::kAbifFirstPeak;
+constexpr long kTailSamples = trace::kSamplesPerBase - trace::kAbifFirstPeak;
 
 // Which of the `count` bases at `bases` are drawn in `channel`, base k in bit k. An unknown
 // letter is drawn in the channel of the last A, C, G or T before it, carried in `drawn`; before
@@ -133,22 +127,24 @@ int DrawnMask(const char* bases, long count, int channel, int& drawn) {
   int mask = 0;
   for (long k = 0; k < count; ++k) {
     const int own = trace::BaseChannel(bases[k]);
-    if (own != kNoChannel) drawn = own;
+    if (own != trace::kNoChannel) drawn = own;
     mask |= (drawn == channel) << k;
   }
   return mask;
 }
 
-void PutChannel(trace::ChunkWriter& out, int channel, const char* bases, long n) {
+void PutChannel(BlockWriter& out, int channel, const char* bases, long n) {
   out.Fill(0, trace::kAbifFirstPeak * kBytesPerHeight);
-  int drawn = kNoChannel;
+  int drawn = trace::kNoChannel;
   int previous = 0;
-  long i = 0;
-  for (; i + kGroup <= n; i += kGroup) {
-    const int mask = DrawnMask(bases + i, kGroup, channel, drawn);
-    out.Put(kGroups.slots[previous][mask], kGroupSize);
+  const long groups = n / kGroup;
+  out.PutEach(groups, kGroupSize, [&](unsigned char* at, long group) {
+    const int mask = DrawnMask(bases + group * kGroup, kGroup, channel, drawn);
+    std::memcpy(at, kGroups.slots[previous][mask], kGroupSize);
     previous = mask >> (kGroup - 1);
-  }
+    return at + kGroupSize;
+  });
+  const long i = groups * kGroup;
   const long rest = n - i;
   const int mask = DrawnMask(bases + i, rest, channel, drawn);
   out.Put(kGroups.slots[previous][mask], rest * kSlotSize);
@@ -166,15 +162,16 @@ void WriteAbif(FileWriter& file, const char* bases, long n) {
   unsigned char head[kTemplateSize];
   memcpy(head, kTemplate.bytes, kTemplateSize);
   unsigned long offset = kTemplateSize;
-  for (int channel = 0; channel < kChannels; ++channel) {
+  for (int channel = 0; channel < trace::kChannels; ++channel) {
     unsigned char* p = head + kFirstDataEntry + channel * kEntrySize + kEntryElements;
     p = PutUint32(p, samples);     // 12: number of elements
     p = PutUint32(p, arrayBytes);  // 16: data size
     PutUint32(p, offset);          // 20: data offset
     offset += arrayBytes;
   }
-  trace::ChunkWriter out(file);
+  BlockWriter out(file,
+                  static_cast<long>(offset));  // the file ends where a fifth array would start
   out.Put(head, kTemplateSize);
-  for (int channel = 0; channel < kChannels; ++channel) PutChannel(out, channel, bases, n);
+  for (int channel = 0; channel < trace::kChannels; ++channel) PutChannel(out, channel, bases, n);
   out.Flush();
 }

@@ -1,41 +1,38 @@
 // SCF 2.00 output: a 128-byte header followed by the sample points, each point four big-endian
 // 16-bit heights in the order A, C, G, T. The header announces no bases, comments or private
 // data; the bases and their positions go to the phd file instead.
+#include <cstring>
+
+#include "app/block_writer.h"
 #include "app/chromat.h"
 #include "app/trace.h"
+#include "toolkit/encoding.h"
 
 namespace {
 
-using trace::kChannels;
-using trace::kNoChannel;
-using trace::kSamplesPerBase;
-using trace::PutFill;
-using trace::PutText;
-using trace::PutUint32;
-
 constexpr long kHeaderSize = 128;
 constexpr long kBytesPerHeight = 2;
-constexpr long kPointSize = kChannels * kBytesPerHeight;
-constexpr long kSlotSize = kSamplesPerBase * kPointSize;
+constexpr long kPointSize = trace::kChannels * kBytesPerHeight;
+constexpr long kSlotSize = trace::kSamplesPerBase * kPointSize;
 static_assert(kSlotSize == 96, "a base's slot is 12 points of 8 bytes");
 
 // Sample points after the last base's slot: its closing height, then nothing until the end.
-constexpr long kTailPoints = kSamplesPerBase - trace::kScfFirstPeak;
+constexpr long kTailPoints = trace::kSamplesPerBase - trace::kScfFirstPeak;
 
 // The slot of a base (points 6 + 12i .. 17 + 12i) for every pair of (channel of the previous base,
 // channel of this base), kNoChannel standing for an unknown letter or for no previous base.
 struct SlotTable {
-  unsigned char slot[kChannels + 1][kChannels + 1][kSlotSize];
+  unsigned char slot[trace::kChannels + 1][trace::kChannels + 1][kSlotSize];
 };
 
 constexpr SlotTable MakeSlotTable() {
   SlotTable table{};
-  for (int previous = 0; previous <= kChannels; ++previous) {
-    for (int own = 0; own <= kChannels; ++own) {
+  for (int previous = 0; previous <= trace::kChannels; ++previous) {
+    for (int own = 0; own <= trace::kChannels; ++own) {
       unsigned char* p = table.slot[previous][own];
-      for (long k = 0; k < kSamplesPerBase; ++k) {
-        for (int channel = 0; channel < kChannels; ++channel) {
-          p = trace::PutUint16(p, trace::SlotHeight(own == channel, previous == channel, k));
+      for (long k = 0; k < trace::kSamplesPerBase; ++k) {
+        for (int channel = 0; channel < trace::kChannels; ++channel) {
+          p = PutUint16(p, trace::SlotHeight(own == channel, previous == channel, k));
         }
       }
     }
@@ -45,7 +42,7 @@ constexpr SlotTable MakeSlotTable() {
 
 constexpr SlotTable kSlots = MakeSlotTable();
 
-void PutHeader(trace::ChunkWriter& out, long samples) {
+void PutHeader(BlockWriter& out, long samples) {
   unsigned char header[kHeaderSize];
   unsigned char* p = header;
   p = PutText(p, ".scf", 4);                // 0: magic number
@@ -66,16 +63,17 @@ void PutHeader(trace::ChunkWriter& out, long samples) {
   out.Put(header, kHeaderSize);
 }
 
-void PutSamples(trace::ChunkWriter& out, const char* bases, long n) {
+void PutSamples(BlockWriter& out, const char* bases, long n) {
   out.Fill(0, trace::kScfFirstPeak * kPointSize);
-  int previous = kNoChannel;
-  for (long i = 0; i < n; ++i) {
+  int previous = trace::kNoChannel;
+  out.PutEach(n, kSlotSize, [&](unsigned char* at, long i) {
     const int own = trace::BaseChannel(bases[i]);
-    out.Put(kSlots.slot[previous][own], kSlotSize);
+    std::memcpy(at, kSlots.slot[previous][own], kSlotSize);
     previous = own;
-  }
+    return at + kSlotSize;
+  });
   // The first point of a peakless slot holds exactly the previous peak's last height.
-  out.Put(kSlots.slot[previous][kNoChannel], kPointSize);
+  out.Put(kSlots.slot[previous][trace::kNoChannel], kPointSize);
   out.Fill(0, (kTailPoints - 1) * kPointSize);
 }
 
@@ -83,7 +81,7 @@ void PutSamples(trace::ChunkWriter& out, const char* bases, long n) {
 
 void WriteScf(FileWriter& file, const char* bases, long n) {
   const long samples = trace::SampleCount(n);
-  trace::ChunkWriter out(file);
+  BlockWriter out(file, kHeaderSize + samples * kPointSize);
   PutHeader(out, samples);
   PutSamples(out, bases, n);
   out.Flush();

@@ -7,13 +7,9 @@
 // writers exploit this: cut the trace into 12-sample slots, one per base, and each slot depends
 // only on whether the base's own peak and the previous base's peak lie in a channel. Slots are
 // precomputed once and the file is streamed from them, so memory does not grow with the
-// sequence.
+// sequence. This header holds the model only; the byte layouts belong to the writers.
 #ifndef SYNTHCALL_APP_TRACE_H
 #define SYNTHCALL_APP_TRACE_H
-
-#include <cstring>
-
-#include "toolkit/fileio.h"
 
 namespace trace {
 
@@ -60,57 +56,6 @@ constexpr unsigned short SlotHeight(bool own, bool previous, long k) {
   if (own) return kPeak[k];
   return (k == 0 && previous) ? kPeak[kPeakWidth - 1] : 0;
 }
-
-// Stores into a header block, numbers most significant byte first; each returns the position
-// after what it stored. Constant so that format templates can be built at compile time.
-constexpr unsigned char* PutUint16(unsigned char* at, unsigned long value) {
-  at[0] = static_cast<unsigned char>((value >> 8) & 0xFF);
-  at[1] = static_cast<unsigned char>(value & 0xFF);
-  return at + 2;
-}
-constexpr unsigned char* PutUint32(unsigned char* at, unsigned long value) {
-  return PutUint16(PutUint16(at, (value >> 16) & 0xFFFF), value & 0xFFFF);
-}
-constexpr unsigned char* PutText(unsigned char* at, const char* text, long n) {
-  for (long k = 0; k < n; ++k) at[k] = static_cast<unsigned char>(text[k]);
-  return at + n;
-}
-constexpr unsigned char* PutFill(unsigned char* at, unsigned char c, long n) {
-  for (long k = 0; k < n; ++k) at[k] = c;
-  return at + n;
-}
-
-// Collects the many small slots of a trace in a local block and hands the block to the
-// FileWriter in one AppendByte when it is full, instead of one virtual call per slot. Flush must
-// be called before the file is closed; the destructor does not write. Not copyable.
-class ChunkWriter {
- public:
-  explicit ChunkWriter(FileWriter& file) : file(file) {}
-  ChunkWriter(const ChunkWriter&) = delete;
-  ChunkWriter& operator=(const ChunkWriter&) = delete;
-
-  // Appends n bytes copied from `bytes`, or n copies of `c`. Most pieces are one base's slot and
-  // fit into the chunk as they are; those are copied inline.
-  void Put(const unsigned char* bytes, long n) {
-    if (static_cast<unsigned long>(n) <= static_cast<unsigned long>(kSize - used)) {
-      std::memcpy(chunk + used, bytes, n);
-      used += n;
-    } else {
-      PutAcross(bytes, n);
-    }
-  }
-  void Fill(unsigned char c, long n);
-  void Flush();
-
- private:
-  static constexpr long kSize = 4096;
-  FileWriter& file;
-  long used = 0;
-  unsigned char chunk[kSize];
-
-  void PutAcross(const unsigned char* bytes, long n);  // a piece larger than the room left
-  unsigned char* Room(long& n);  // where up to n bytes go now; n is cut to what fits
-};
 
 }  // namespace trace
 

@@ -1,9 +1,11 @@
 #include "app/writer.h"
 
-#include <cctype>
+#include <cstring>
 #include <iostream>
 
+#include "app/block_writer.h"
 #include "app/chromat.h"
+#include "app/position_line.h"
 #include "app/trace.h"
 #include "toolkit/ctime.h"
 
@@ -34,17 +36,45 @@ constexpr char kPhdEnd[] = "END_DNA\nEND_SEQUENCE";  // the file ends without a 
 constexpr char kPolyHeader[] = " 1 1 1 1 1\n";
 constexpr char kPolyPeak[] = " 300000 1 N  -1  -1 -1 ";
 
+// An area field is stored with one fixed-size move of its whole row, so the rows have one size.
+struct AreaField {
+  char text[16];
+  long length;
+};
+constexpr AreaField Area(const char* text) {
+  AreaField field{};
+  for (; text[field.length] != '\0'; ++field.length) field.text[field.length] = text[field.length];
+  return field;
+}
+
 // The area field of each channel, in the channel order A, C, G, T, and last the one of the
 // letters without a channel of their own.
-constexpr const char* kAreaFields[trace::kChannels + 1] = {
-    "60000 0 0 0\n",  // A
-    "0 60000 0 0\n",  // C
-    "0 0 60000 0\n",  // G
-    "0 0 0 60000\n",  // T
-    "0 0 0 0\n",      // any other letter
+constexpr AreaField kAreaFields[trace::kChannels + 1] = {
+    Area("60000 0 0 0\n"),  // A
+    Area("0 60000 0 0\n"),  // C
+    Area("0 0 60000 0\n"),  // G
+    Area("0 0 0 60000\n"),  // T
+    Area("0 0 0 0\n"),      // any other letter
 };
 
-const char* AreasOf(char base) { return kAreaFields[trace::BaseChannel(base)]; }
+unsigned char* PutArea(unsigned char* at, char base) {
+  const AreaField& field = kAreaFields[trace::BaseChannel(base)];
+  std::memcpy(at, field.text, sizeof field.text);
+  return at + field.length;
+}
+
+// What the sequence's bytes become: letters upper-cased, as the C locale's toupper does it, and
+// 0 for every byte that is not a letter there, which cleaning drops.
+struct CleanTable {
+  char of[256];
+};
+constexpr CleanTable MakeCleanTable() {
+  CleanTable table{};
+  for (int c = 'A'; c <= 'Z'; ++c) table.of[c] = static_cast<char>(c);
+  for (int c = 'a'; c <= 'z'; ++c) table.of[c] = static_cast<char>(c - 'a' + 'A');
+  return table;
+}
+constexpr CleanTable kClean = MakeCleanTable();
 
 // The directory when its owner may use it as asked, else the project root itself.
 Str UsableOr(const Str& root, const char* name, bool mustWrite, Directory& directory) {
@@ -61,11 +91,11 @@ Writer::Writer(std::ostream& progress, std::ostream& errors)
 
 Writer::~Writer() = default;
 
-void Writer::SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi) {
-  options.quality.Copy(quality);
-  options.suffix.Copy(referenceSuffix);
-  options.abi = abi;
-  referenceSet = reference;
+void Writer::SetFiles(const Str& qualityText, const Str& suffix, bool makeReference, bool abiForm) {
+  options.quality.Copy(qualityText);
+  options.suffix.Copy(suffix);
+  options.abi = abiForm;
+  referenceSet = makeReference;
   Directory directory;
   Str root = ProjectRoot();
   chromatDir = UsableOr(root, kChromatDir, true, directory);
@@ -88,21 +118,32 @@ void Writer::WriteFiles(Str& name, const Str& sequence) {
   CTime now;
   if (referenceSet) name.Append(options.suffix);
   Str chromatName(name);
-  Str bases(sequence.Length());
-  CleanSequence(sequence, bases);
+  Str copy;
+  const Str& bases = CleanSequence(sequence, copy);
   WriteChromat(bases, chromatName);
   WritePhd(name, chromatName, now.GetCTime(), bases);
   if (!referenceSet) WritePoly(name, bases);
 }
 
-// Upper case, letters only: every letter is kept, not only A, C, G and T. `bases` comes with
-// room for the whole sequence, so appending never moves it.
-void Writer::CleanSequence(const Str& sequence, Str& bases) {
-  const char* text = sequence.String();
-  for (long i = 0; i < sequence.Length(); ++i) {
-    int c = std::toupper(static_cast<unsigned char>(text[i]));
-    if (std::isalpha(c)) bases.Append(static_cast<char>(c));
+// Upper case, letters only: every letter is kept, not only A, C, G and T. A sequence that is
+// clean already, as most are, is used as it is; otherwise `copy` is cleaned in place and cut to
+// the letters kept.
+const Str& Writer::CleanSequence(const Str& sequence, Str& copy) {
+  const char* const text = sequence.String();
+  const long n = sequence.Length();
+  long i = 0;
+  while (i < n && text[i] >= 'A' && text[i] <= 'Z') ++i;
+  if (i == n) return sequence;
+  copy.Copy(sequence);
+  char* const bases = copy.String();
+  long kept = i;
+  for (; i < n; ++i) {
+    const char c = kClean.of[static_cast<unsigned char>(bases[i])];
+    bases[kept] = c;
+    kept += c != '\0';
   }
+  copy.DeleteRight(n - kept);
+  return copy;
 }
 
 // An SCF file is named with ".scf", an ABIF file has no extension; the phd file names it without
@@ -130,13 +171,17 @@ void Writer::WritePhd(const Str& name, const Str& chromatName, const Str& time, 
   file.Append(kPhdMaxIndex);
   file.Append(trace::SampleCount(bases.Length()) - 1);  // the last sample's index
   file.Append(kPhdDna);
+  // The DNA lines: base, quality and position, each followed by one blank or the newline.
+  PositionLine line(" " + options.quality + " ", "\n");
+  BlockWriter lines(file, bases.Length() * line.Capacity() + sizeof kPhdEnd);
   const char* base = bases.String();
-  for (long i = 0; i < bases.Length(); ++i) {
-    file.AppendToken(base[i]);
-    file.AppendToken(options.quality);
-    file.AppendLine(trace::BasePosition(i));
-  }
-  file.Append(kPhdEnd);
+  lines.PutEach(bases.Length(), line.Capacity(), [&](unsigned char* at, long i) {
+    at = line.Store(at, base[i]);
+    line.Advance();
+    return at;
+  });
+  lines.Put(kPhdEnd, sizeof kPhdEnd - 1);
+  lines.Flush();
   CloseFile(path);
 }
 
@@ -145,13 +190,16 @@ void Writer::WritePoly(const Str& name, const Str& bases) {
   OpenFile(kFileAnnouncement, path);
   file.Append(name);
   file.Append(kPolyHeader);
+  PositionLine line(" ", kPolyPeak);
+  const long most = line.Capacity() + sizeof AreaField::text;
+  BlockWriter lines(file, bases.Length() * most);
   const char* base = bases.String();
-  for (long i = 0; i < bases.Length(); ++i) {
-    file.AppendToken(base[i]);
-    file.Append(trace::BasePosition(i));
-    file.Append(kPolyPeak);
-    file.Append(AreasOf(base[i]));
-  }
+  lines.PutEach(bases.Length(), most, [&](unsigned char* at, long i) {
+    at = PutArea(line.Store(at, base[i]), base[i]);
+    line.Advance();
+    return at;
+  });
+  lines.Flush();
   CloseFile(path);
 }
 

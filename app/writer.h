@@ -40,7 +40,7 @@ class Writer {
   // `reference` asks for a reference set (the suffix joins the name, no poly file).
   // chromat_dir/ and phd_dir/ fall back to the project root when the owner may not read and
   // write them; a poly_dir/ the owner may not read throws the int 1.
-  void SetFiles(const Str& quality, const Str& referenceSuffix, bool reference, bool abi);
+  void SetFiles(const Str& qualityText, const Str& suffix, bool makeReference, bool abiForm);
 
   // Writes the files of one record. In reference mode the suffix is appended to `name` itself.
   void WriteFiles(Str& name, const Str& sequence);
@@ -55,7 +55,7 @@ class Writer {
   std::ostream& out;
   std::ostream& err;
 
-  static void CleanSequence(const Str& sequence, Str& bases);
+  static const Str& CleanSequence(const Str& sequence, Str& copy);
   static Str ProjectRoot();
   void WriteChromat(const Str& bases, Str& chromatName);
   void WritePhd(const Str& name, const Str& chromatName, const Str& time, const Str& bases);

@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
-"""Measures synthcall against the floor of writing the same bytes.
+"""Measures synthcall against two floors of writing the same bytes.
 
-The floor of a run is `cp -r` of the very chromat_dir/, phd_dir/ and poly_dir/ that synthcall has
-just written, into a fresh directory: the same files and the same bytes, produced by a program that
-does nothing but move them. Runs alternate (synthcall, copy, synthcall, copy, ...) and each case
-reports the median of the per-pair ratios, so that a slow moment of a shared machine lands on one
-pair instead of on one side. Everything happens on tmpfs, so the numbers are CPU and memory
-bandwidth, not disk.
+Both floors write the very chromat_dir/, phd_dir/ and poly_dir/ that synthcall has just written,
+into a fresh directory: the same files and the same bytes, by programs that compute nothing.
+`cp -r` reads every file and writes it again. The write floor (write_floor.cpp) holds every byte in
+memory before its clock starts and writes each file with one open, one write and one close: the
+least any program can spend on putting these files on disk. Runs alternate (synthcall, copy, write
+floor, synthcall, ...) and each case reports the median of the per-run ratios, so that a slow
+moment of a shared machine lands on one run instead of on one side. Everything happens on tmpfs,
+so the numbers are CPU and memory bandwidth, not disk.
 
-Run it through bench/run.sh, which builds the Release binary first.
+Times are given twice: wall-clock, and processor time (user + system), which other processes on a
+busy machine disturb less.
+
+Run it through bench/run.sh, which builds the Release binaries first.
 """
 
 import argparse
@@ -22,11 +27,14 @@ import sys
 import tempfile
 import time
 
-READ_COUNT = 20_000
+READ_COUNT = 5_000
 READ_LENGTHS = (600, 900)
 CLONE_LENGTH = 5_000_000
 LINE_WIDTH = 60
 MIB = 1024 * 1024
+PEAK_LIMIT_MIB = 16
+READS_TARGET = 1.5  # highest acceptable ratio to the write floor
+CLONE_TARGET = 1.8
 SYSTEM_PYTHON = "/usr/bin/python3"
 TIME = "/usr/bin/time"
 PROJECT_DIRS = ("edit_dir", "chromat_dir", "phd_dir", "poly_dir")
@@ -92,10 +100,19 @@ def tree_bytes(root):
     )
 
 
+class Run:
+    """One measured run: wall-clock and processor seconds, peak resident KiB (0 when unknown)."""
+
+    def __init__(self, wall, processor, peak=0):
+        self.wall = wall
+        self.processor = processor
+        self.peak = peak
+
+
 def timed(argv, cwd, env=None):
-    """Runs argv under /usr/bin/time; returns (wall seconds, peak resident KiB)."""
+    """Runs argv under /usr/bin/time."""
     with tempfile.NamedTemporaryFile("r", suffix=".time") as report:
-        command = [TIME, "-f", "%M", "-o", report.name] + argv
+        command = [TIME, "-f", "%U %S %M", "-o", report.name] + argv
         start = time.perf_counter()
         done = subprocess.run(command, cwd=cwd, env=env, stdout=subprocess.DEVNULL,
                               stderr=subprocess.PIPE)
@@ -103,12 +120,26 @@ def timed(argv, cwd, env=None):
         if done.returncode != 0:
             sys.exit("bench: %s failed (%d): %s" % (argv[0], done.returncode,
                                                     done.stderr.decode(errors="replace")))
-        return seconds, int(report.read().split()[-1])
+        user, system, peak = report.read().split()[-3:]
+        return Run(seconds, float(user) + float(system), int(peak))
+
+
+class Row:
+    """One line of a table: synthcall's runs, the runs of the copy (None where there is no copy)
+    and of the floor that the target applies to, each taken in the same alternating pairs."""
+
+    def __init__(self, label, mine, copies, floors, target):
+        self.label = label
+        self.mine = mine
+        self.copies = copies
+        self.floors = floors
+        self.target = target
 
 
 class Bench:
-    def __init__(self, binary, work, pairs):
+    def __init__(self, binary, floor_binary, work, pairs):
         self.binary = binary
+        self.floor_binary = floor_binary
         self.work = work
         self.pairs = pairs
         self.project = os.path.join(work, "project")
@@ -124,31 +155,37 @@ class Bench:
     def copy_outputs(self):
         shutil.rmtree(self.copy, ignore_errors=True)
         os.makedirs(self.copy)
-        seconds, _ = timed(["cp", "-r"] + list(OUTPUT_DIRS) + [self.copy], self.project)
+        run = timed(["cp", "-r"] + list(OUTPUT_DIRS) + [self.copy], self.project)
         shutil.rmtree(self.copy)
-        return seconds
+        return run
 
-    def against_floor(self, label, fasta, options, target):
-        """Alternating pairs of synthcall and the copy of its output; returns the peaks seen."""
-        times, floors, ratios, peaks = [], [], [], []
+    def write_floor(self):
+        """The write floor's own figures: only its writing is timed, not its loading."""
+        shutil.rmtree(self.copy, ignore_errors=True)
+        done = subprocess.run([self.floor_binary, self.project, self.copy] + list(OUTPUT_DIRS),
+                              capture_output=True, text=True)
+        shutil.rmtree(self.copy)
+        if done.returncode != 0:
+            sys.exit("bench: write_floor failed (%d): %s" % (done.returncode, done.stderr))
+        wall, processor = done.stdout.split()
+        return Run(float(wall), float(processor))
+
+    def against_floors(self, label, fasta, options, target):
+        """Alternating runs of synthcall, the copy and the write floor; returns synthcall's runs."""
+        mine, copies, writes = [], [], []
         for _ in range(self.pairs):
-            seconds, peak = self.synthcall(fasta, options)
-            floor = self.copy_outputs()
-            times.append(seconds)
-            floors.append(floor)
-            ratios.append(seconds / floor)
-            peaks.append(peak)
-        written = tree_bytes(self.project)
-        self.add(label, statistics.median(times), statistics.median(floors),
-                 statistics.median(ratios), target)
-        self.notes.append("%s: %.0f MB written per run, pair ratios %s" % (
-            label, written / 1e6, " ".join("%.2f" % r for r in ratios)))
-        return peaks
+            mine.append(self.synthcall(fasta, options))
+            copies.append(self.copy_outputs())
+            writes.append(self.write_floor())
+        self.rows.append(Row(label, mine, copies, writes, target))
+        self.notes.append("%s: %.0f MB written per run" % (label, tree_bytes(self.project) / 1e6))
+        return mine
 
-    def memory(self, label, peaks, record_bytes):
-        limit = (3 * record_bytes + 16 * MIB) / MIB
-        peak = max(peaks) / 1024
-        self.add(label, peak, limit, peak / limit, 1.0)
+    def memory(self, label, runs):
+        """Peak resident memory in MiB against the limit, shown in both time columns."""
+        peaks = [Run(run.peak / 1024, run.peak / 1024) for run in runs]
+        limit = [Run(PEAK_LIMIT_MIB, PEAK_LIMIT_MIB)] * len(runs)
+        self.rows.append(Row(label, peaks, None, limit, 1.0))
 
     def against_script(self, label, fasta):
         probe = subprocess.run([SYSTEM_PYTHON, "-c", "import Bio.SeqIO"], capture_output=True)
@@ -159,19 +196,12 @@ class Bench:
         script = os.path.join(self.work, "phd_only.py")
         with open(script, "w") as out:
             out.write(PHD_SCRIPT)
-        times, others, ratios = [], [], []
+        mine, others = [], []
         for _ in range(self.pairs):
-            seconds, _ = self.synthcall(fasta, [])
+            mine.append(self.synthcall(fasta, []))
             edit_dir = fresh_project(self.project)
-            other, _ = timed([SYSTEM_PYTHON, script, fasta, "../phd_dir"], edit_dir)
-            times.append(seconds)
-            others.append(other)
-            ratios.append(seconds / other)
-        self.add(label, statistics.median(times), statistics.median(others),
-                 statistics.median(ratios), 1 / 3)
-
-    def add(self, label, mine, reference, ratio, target):
-        self.rows.append((label, mine, reference, ratio, target))
+            others.append(timed([SYSTEM_PYTHON, script, fasta, "../phd_dir"], edit_dir))
+        self.rows.append(Row(label, mine, None, others, 1 / 3))
 
 
 def result(ratio, target):
@@ -180,12 +210,30 @@ def result(ratio, target):
     return "missed by %.0f%%" % (100 * (ratio / target - 1))
 
 
-def print_table(rows):
-    header = ("case", "synthcall", "floor", "ratio", "target", "result")
-    print("%-36s %10s %10s %7s %8s  %s" % header)
-    for label, mine, reference, ratio, target in rows:
-        print("%-36s %10.3f %10.3f %7.3f %8s  %s" % (
-            label, mine, reference, ratio, "<= %.2f" % target, result(ratio, target)))
+def ratios(mine, others, clock):
+    return [getattr(a, clock) / getattr(b, clock) for a, b in zip(mine, others)]
+
+
+def median(runs, clock):
+    return statistics.median(getattr(run, clock) for run in runs)
+
+
+def print_table(rows, clock):
+    """Medians; the ratios are medians of the per-pair ratios, with their spread (min-max)."""
+    line = "%-30s %9s %8s %6s %8s %6s %-12s %8s  %s"
+    print(line % ("case", "synthcall", "cp", "ratio", "floor", "ratio", "(min-max)", "target",
+                  "result"))
+    for row in rows:
+        copy, copy_ratio = "", ""
+        if row.copies:
+            copy = "%.3f" % median(row.copies, clock)
+            copy_ratio = "%.2f" % statistics.median(ratios(row.mine, row.copies, clock))
+        spread = ratios(row.mine, row.floors, clock)
+        ratio = statistics.median(spread)
+        print(line % (row.label, "%.3f" % median(row.mine, clock), copy, copy_ratio,
+                      "%.3f" % median(row.floors, clock), "%.2f" % ratio,
+                      "(%.2f-%.2f)" % (min(spread), max(spread)), "<= %.2f" % row.target,
+                      result(ratio, row.target)))
 
 
 def machine():
@@ -201,6 +249,12 @@ def machine():
         os.cpu_count(), model, total_kib / MIB, platform.release())
 
 
+def load_average():
+    """The 1-, 5- and 15-minute load averages: how busy the machine was around the runs."""
+    with open("/proc/loadavg") as info:
+        return " ".join(info.read().split()[:3])
+
+
 def scratch_directory(base):
     if not base:
         base = "/dev/shm" if os.access("/dev/shm", os.W_OK) else tempfile.gettempdir()
@@ -210,15 +264,19 @@ def scratch_directory(base):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--binary", required=True, help="the synthcall to measure")
+    parser.add_argument("--floor", required=True, help="the write floor (write_floor.cpp)")
     parser.add_argument("--work", help="where to make the scratch directory (default: /dev/shm)")
-    parser.add_argument("--pairs", type=int, default=5, help="alternating pairs per case")
+    parser.add_argument("--pairs", type=int, default=7, help="alternating pairs per case")
     parser.add_argument("--keep", action="store_true", help="keep the scratch directory")
+    parser.add_argument("--abi", action="store_true", help="also measure the -abi cases")
     parser.add_argument("--reads", type=int, default=READ_COUNT, help="number of reads")
     parser.add_argument("--clone-bases", type=int, default=CLONE_LENGTH, help="clone length")
     args = parser.parse_args()
+    load_before = load_average()
 
     work = scratch_directory(args.work)
-    bench = Bench(os.path.abspath(args.binary), work, max(1, args.pairs))
+    bench = Bench(os.path.abspath(args.binary), os.path.abspath(args.floor), work,
+                  max(1, args.pairs))
     try:
         reads = os.path.join(work, "reads.fa")
         clone = os.path.join(work, "clone.fa")
@@ -226,25 +284,33 @@ def main():
         write_clone(clone, args.clone_bases)
         clone_bytes = os.path.getsize(clone)
 
-        bench.against_floor("reads (s, vs cp -r)", reads, [], 1.2)
-        peaks = bench.against_floor("clone (s, vs cp)", clone, [], 1.5)
-        bench.memory("clone peak memory (MiB, vs 3x+16)", peaks, clone_bytes)
-        bench.against_script("reads (s, vs Biopython phd only)", reads)
-        bench.against_floor("reads -abi (s, vs cp -r)", reads, ["-abi"], 1.2)
-        peaks = bench.against_floor("clone -abi (s, vs cp)", clone, ["-abi"], 1.5)
-        bench.memory("clone -abi peak memory (MiB)", peaks, clone_bytes)
+        bench.against_floors("reads", reads, [], READS_TARGET)
+        runs = bench.against_floors("clone", clone, [], CLONE_TARGET)
+        bench.memory("clone peak memory (MiB)", runs)
+        bench.against_script("reads vs Biopython phd only", reads)
+        if args.abi:
+            bench.against_floors("reads -abi", reads, ["-abi"], READS_TARGET)
+            runs = bench.against_floors("clone -abi", clone, ["-abi"], CLONE_TARGET)
+            bench.memory("clone -abi peak memory (MiB)", runs)
     finally:
         if not args.keep:
             shutil.rmtree(work, ignore_errors=True)
 
-    print_table(bench.rows)
+    print("wall-clock seconds")
+    print_table(bench.rows, "wall")
     print()
+    print("processor seconds (user + system)")
+    print_table(bench.rows, "processor")
+    print()
+    print("cp: cp -r of synthcall's output; floor: the write floor, or the limit in the memory "
+          "rows, or the script")
     print("inputs: %d reads of %d to %d bases; one clone record of %d bases (%d bytes)" % (
         args.reads, READ_LENGTHS[0], READ_LENGTHS[1], args.clone_bases, clone_bytes))
     print("medians of %d alternating pairs on %s" % (bench.pairs, os.path.dirname(work)))
     for note in bench.notes:
         print(note)
     print(machine())
+    print("load average before and after: %s, %s" % (load_before, load_average()))
 
 
 if __name__ == "__main__":

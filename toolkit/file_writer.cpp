@@ -3,6 +3,7 @@
 // only Close writes a partial one.
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -212,4 +213,29 @@ void FileWriter::PutByteAtEnd(unsigned char c) {
   }
   if (cursor >= end) WriteBuffer();
   *cursor++ = c;
+}
+
+// Whatever the kernel leaves of a gathered write, of the pending bytes or of the block, goes out
+// through WriteOut's loop.
+void FileWriter::WriteThrough(const unsigned char* p, long n) {
+  if (n < 0) return;
+  const long pending = cursor - buffer;
+  cursor = buffer;
+  if (fd < 0) {
+    failed = true;  // nothing is open: the bytes are dropped
+    return;
+  }
+  iovec parts[] = {{buffer, static_cast<size_t>(pending)},
+                   {const_cast<unsigned char*>(p), static_cast<size_t>(n)}};
+  ssize_t written;
+  do {
+    written = writev(fd, parts, 2);
+  } while (written < 0 && errno == EINTR);
+  if (written < 0) {
+    failed = true;
+    return;
+  }
+  const long fromPending = written < pending ? written : pending;
+  WriteOut(buffer + fromPending, pending - fromPending);
+  WriteOut(p + (written - fromPending), n - (written - fromPending));
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 
+#include "toolkit/encoding.h"
 #include "toolkit/fileio.h"
 
 static_assert(sizeof(float) == 4 && sizeof(double) == 8, "IEEE 754 single and double expected");
@@ -40,8 +41,8 @@ void FileWriter::AppendFloat(const double* p, long n) {
 
 void FileWriter::IntegerAppend(unsigned long v, int k) {
   unsigned char bytes[4];
-  for (int i = k - 1; i >= 0; --i, v >>= 8) bytes[i] = static_cast<unsigned char>(v & 0xFF);
-  CopyIn(bytes, k, true);
+  const unsigned char* after = k == 2 ? PutUint16(bytes, v) : PutUint32(bytes, v);
+  CopyIn(bytes, after - bytes, true);
 }
 
 // The text and its terminating zero byte.

@@ -81,7 +81,8 @@ class FileReader {
 
 // Buffered output file. Text and raw bytes are collected in the buffer, which is written to the
 // file in whole buffers when it fills, and the rest at Close. Every public operation but
-// SetSize, Repeat, RemoveEndBlankLines and Failed is virtual so that CoutWriter can replace it.
+// SetSize, Repeat, RemoveEndBlankLines, WriteThrough and Failed is virtual so that CoutWriter can
+// replace it.
 class FileWriter {
  public:
   static constexpr long kDefaultSize = 1024;
@@ -165,6 +166,13 @@ class FileWriter {
 
   void Repeat(unsigned char c, long n);
   void RemoveEndBlankLines();  // works on the pending bytes only
+
+  // For writers of large files that format their bytes in a block of their own: the pending
+  // bytes and the block go to the file at once, in one gathered write, and the buffer is empty
+  // afterwards. The block is never copied into the buffer, so each byte is stored once in user
+  // space. Unlike the appends this writes however little the buffer holds; the file receives
+  // the same bytes as from AppendByte.
+  void WriteThrough(const unsigned char* p, long n);
 
   // True when the last Open or Reopen failed or a write since then did not complete.
   bool Failed() const { return failed; }
