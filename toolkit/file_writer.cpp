@@ -219,13 +219,14 @@ void FileWriter::PutByteAtEnd(unsigned char c) {
 // through WriteOut's loop.
 void FileWriter::WriteThrough(const unsigned char* p, long n) {
   if (n < 0) return;
-  const long pending = cursor - buffer;
-  cursor = buffer;
+  unsigned char* const start = buffer.get();
+  const long pending = cursor - start;
+  cursor = start;
   if (fd < 0) {
     failed = true;  // nothing is open: the bytes are dropped
     return;
   }
-  iovec parts[] = {{buffer, static_cast<size_t>(pending)},
+  iovec parts[] = {{start, static_cast<size_t>(pending)},
                    {const_cast<unsigned char*>(p), static_cast<size_t>(n)}};
   ssize_t written;
   do {
@@ -236,6 +237,6 @@ void FileWriter::WriteThrough(const unsigned char* p, long n) {
     return;
   }
   const long fromPending = written < pending ? written : pending;
-  WriteOut(buffer + fromPending, pending - fromPending);
+  WriteOut(start + fromPending, pending - fromPending);
   WriteOut(p + (written - fromPending), n - (written - fromPending));
 }
