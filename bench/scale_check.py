@@ -1,13 +1,18 @@
 #!/usr/bin/env python3
 """Long scale checks for synthcall, kept out of the default test run.
 
-  scale_check.py BINARY [--work DIR] [--bases N] [--only huge|growth]
+  scale_check.py BINARY [--work DIR] [--bases N] [--only huge|growth|hostile]
 
 huge:   one record of 24 million bases, in SCF and in ABIF form. Its trace is 8 * (12n + 12) bytes,
         past 2 GiB, so a size or offset held in 32 bits shows up as a wrong length or a misplaced
         peak. Peak memory must stay within 3 x the record's size + 16 MiB, which holds only when
         the chromatogram is streamed rather than built whole.
 growth: 5,000 and then 20,000 reads of 600 to 900 bases; the time must grow in proportion.
+hostile: inputs that a pipeline may hand the program by accident, at full size: 100,000 one-base
+        records over 1,000 names (every file must end up holding its name's last record alone, so
+        a file reopened for appending instead of truncating shows), a 50 MB line without a header
+        (read whole, nothing written), and a 21 MB alignment row, mostly gaps, whose letters make
+        100,000 bases. The test suite runs the same cases at a few records and kilobytes.
 
 Prints one line per check and closes with "N passed, N failed"; exits 1 on any failure, and 77
 (skipped) without /usr/bin/time, which measures the peak memory.
@@ -246,12 +251,45 @@ def growth(checks, project, work):
     project.reset()
 
 
+def hostile(checks, project, work):
+    print("-- hostile: 100,000 one-base records, a 50 MB line, a 21 MB alignment row")
+    fasta = os.path.join(work, "hostile.fa")
+    names = [b"r%d" % (i % 1000) for i in range(100_000)]
+    with open(fasta, "wb") as out:
+        out.writelines(b">%s\n%c\n" % (name, b"ACGT"[i // 1000 % 4]) for i, name in enumerate(names))
+    status, _, _, out, err = project.run(fasta)
+    checks.equal((status, err), (0, b""), "100,000 records exit status and stderr")
+    checks.equal(out.count(b"\nWriting chromat file "), 100_000, "100,000 records progress lines")
+    written = [len(os.listdir(project.path(d))) for d in ("chromat_dir", "phd_dir", "poly_dir")]
+    checks.equal(written, [1000] * 3, "100,000 records files per directory")
+    last = [open(project.path("poly_dir", "r%d.poly" % k), "rb").read() for k in (0, 999)]
+    checks.equal(last, [b"r%d 1 1 1 1 1\nT 12 300000 1 N  -1  -1 -1 0 0 0 60000\n" % k for k in (0, 999)],
+                 "100,000 records: each poly file holds its last record alone")
+    checks.equal(os.path.getsize(project.path("chromat_dir", "r0.scf")), 128 + 8 * 24,
+                 "100,000 records: each chromat file holds its last record alone")
+    with open(fasta, "wb") as out:
+        out.write(b"A" * (50 << 20) + b"\n")
+    status, _, _, out, err = project.run(fasta)
+    checks.equal((status, out, err), (0, b"\n", b""), "50 MB line without a header")
+    checks.equal([os.listdir(project.path(d)) for d in ("chromat_dir", "phd_dir", "poly_dir")],
+                 [[], [], []], "50 MB line: no file written")
+    bases = b"ACGTN" * 20_000
+    with open(fasta, "wb") as out:
+        out.write(b">aligned\n" + b"".join(b"-" * 209 + bytes([b + 32]) for b in bases) + b"\n")
+    status, _, _, out, err = project.run(fasta)
+    checks.equal((status, err), (0, b""), "alignment row exit status and stderr")
+    check_scf(checks, project.path("chromat_dir", "aligned.scf"), bases, (0, 3, 4, 99_999))
+    check_phd(checks, project.path("phd_dir", "aligned.phd.1"), bases)
+    check_poly(checks, project.path("poly_dir", "aligned.poly"), b"aligned", bases)
+    project.reset()
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("binary")
     parser.add_argument("--work", help="where to make the scratch directory (default: /dev/shm)")
     parser.add_argument("--bases", type=int, default=24_000_000, help="length of the huge record")
-    parser.add_argument("--only", choices=("huge", "growth"))
+    parser.add_argument("--only", choices=("huge", "growth", "hostile"))
     args = parser.parse_args()
     if not os.access(TIME, os.X_OK):
         print("skipped: %s is missing (Debian package time)" % TIME)
@@ -266,6 +304,8 @@ def main():
             huge_record(checks, project, work, max(2, args.bases))
         if args.only in (None, "growth"):
             growth(checks, project, work)
+        if args.only in (None, "hostile"):
+            hostile(checks, project, work)
     finally:
         shutil.rmtree(work, ignore_errors=True)
     print("%d passed, %d failed" % (checks.passed, checks.failed))

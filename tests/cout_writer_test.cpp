@@ -1,9 +1,4 @@
-#include <string>
-
-#include "gtest/gtest.h"
-#include "toolkit/fileio.h"
-
-namespace {
+#include "test_util.h"
 
 using namespace std::string_literals;
 
@@ -30,5 +25,3 @@ TEST(CoutWriter, TextGoesOutAtOnceAndBufferedOutputNever) {
   file.Close();
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
-
-}  // namespace

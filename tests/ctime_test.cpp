@@ -1,74 +1,56 @@
+// CTime: the fields, names and texts of a captured moment, read in UTC so that they do not depend
+// on the machine's zone, and the class's own format letters.
 #include "toolkit/ctime.h"
 
-#include <cstdlib>
 #include <limits>
-#include <string>
 #include <tuple>
 
-#include "gtest/gtest.h"
+#include "test_util.h"
 
-namespace {
-
-constexpr time_t kMarch5 = 1772694489;    // 2026-03-05 07:08:09 UTC, Thursday, day 63 from 0
-constexpr time_t kEndOf1999 = 946684799;  // 1999-12-31 23:59:59 UTC, Friday, day 364
-constexpr time_t kNoCalendar = std::numeric_limits<time_t>::max();  // beyond any year
-
-// Moments are read in UTC, so that their fields do not depend on the machine's zone.
-CTime Utc(time_t when) {
+static CTime Utc(time_t when) {
   setenv("TZ", "UTC", 1);
   tzset();
   return CTime(when);
 }
 
-std::string Text(const Str& s) { return std::string(s.String(), s.Length()); }
-
-// Every number and text a CTime gives about its moment, blank-separated.
-std::string Describe(const CTime& t) {
-  std::string text;
-  for (int n : {t.GetTmYear(), t.GetYear(), t.GetTmMonth(), t.GetMonth(), t.GetYearDay(),
-                t.GetMonthDay(), t.GetWeekDay(), t.GetHour(), t.GetMinute(), t.GetSecond()})
-    text += std::to_string(n) + " ";
-  return text + Text(t.GetMonthName()) + " " + Text(t.GetWeekDayName()) + " " + Text(t.GetCTime()) +
-         " " + Text(t.GetString("%Y"));
-}
-
+// 2026-03-05 07:08:09 UTC is a Thursday, day 63 from 0; 1999-12-31 23:59:59 a Friday, day 364.
+// Without a calendar every number is -1 and every text empty; the names are indexed from 0.
 TEST(CTime, FieldsAndTextsOfAMoment) {
-  EXPECT_EQ(Describe(Utc(kMarch5)),
-            "126 2026 2 3 63 5 4 7 8 9 March Thursday Thu Mar  5 07:08:09 2026 2026");
-  EXPECT_EQ(Describe(Utc(kEndOf1999)),
-            "99 1999 11 12 364 31 5 23 59 59 December Friday Fri Dec 31 23:59:59 1999 1999");
-  EXPECT_EQ(Describe(Utc(kNoCalendar)), "-1 -1 -1 -1 -1 -1 -1 -1 -1 -1    ");
-  EXPECT_EQ(Text(CTime::GetMonthName(0)) + Text(CTime::GetMonthName(12)) +
-                Text(CTime::GetWeekDayName(-1)) + Text(CTime::GetWeekDayName(6)),
-            "JanuarySaturday");
+  const std::tuple<int (CTime::*)() const, int, int> fields[] = {
+      {&CTime::GetTmYear, 126, 99}, {&CTime::GetYear, 2026, 1999}, {&CTime::GetTmMonth, 2, 11},
+      {&CTime::GetMonth, 3, 12},    {&CTime::GetYearDay, 63, 364}, {&CTime::GetMonthDay, 5, 31},
+      {&CTime::GetWeekDay, 4, 5},   {&CTime::GetHour, 7, 23},      {&CTime::GetMinute, 8, 59},
+      {&CTime::GetSecond, 9, 59}};
+  const CTime march = Utc(1772694489), end1999 = Utc(946684799);
+  const CTime none = Utc(std::numeric_limits<time_t>::max());
+  for (size_t k = 0; k < std::size(fields); ++k) {
+    const auto& [get, inMarch, in1999] = fields[k];
+    EXPECT_EQ((march.*get)(), inMarch) << "field " << k;
+    EXPECT_EQ((end1999.*get)(), in1999) << "field " << k;
+    EXPECT_EQ((none.*get)(), -1) << "field " << k;
+  }
+  ExpectFacts(Q(Text(march.GetMonthName()), "March"), Q(Text(end1999.GetWeekDayName()), "Friday"),
+              Q(Text(march.GetCTime()), "Thu Mar  5 07:08:09 2026"),
+              Q(Text(none.GetMonthName()), ""), Q(Text(none.GetCTime()), ""),
+              Q(Text(CTime::GetMonthName(12)), ""), Q(Text(CTime::GetWeekDayName(-1)), ""),
+              Q(Text(CTime::GetWeekDayName(6)), "Saturday"));
 }
 
-TEST(CTime, StringLettersAndPercentPairs) {
-  const std::tuple<time_t, const char*, const char*> cases[] = {
-      {kMarch5, "%Y-%M-%D %h:%m:%s %y", "2026-03-05 07:08:09 26"},
-      {kEndOf1999, "%y%M%D%h%m%s", "991231235959"},  // the top of every two-digit range
-      {kMarch5, "100%%, %%Y", "100%, %Y"},
-      {kMarch5, "%q%d%H%S", "00000000"},  // strftime's letters mean nothing here
-      {kMarch5, "ab%\0%Y", "ab00"},       // a last '%' pairs with the terminator and ends the text
-      {kMarch5, "%%%", "%00"},
-  };
-  for (const auto& [when, format, expected] : cases) {
-    EXPECT_EQ(Text(Utc(when).GetString(format)), expected);
+// A '%' always takes the character after it: the class's letters, "%%", and "00" for anything
+// else; a last '%' pairs with the terminator and ends the text. The buffer grows in steps of 1024
+// characters while a pair adds up to four, so formats of every length end at each place of a
+// step.
+TEST(CTime, FormatLetters) {
+  const CTime march = Utc(1772694489), end1999 = Utc(946684799);
+  ExpectFacts(Q(Text(march.GetString("%Y-%M-%D %h:%m:%s %y")), "2026-03-05 07:08:09 26"),
+              Q(Text(end1999.GetString("%y%M%D%h%m%s")), "991231235959"),
+              Q(Text(march.GetString("100%%, %%Y")), "100%, %Y"),
+              Q(Text(march.GetString("%q%d")), "0000"), Q(Text(march.GetString("ab%\0%Y")), "ab00"),
+              Q(Text(march.GetString("%%%")), "%00"));
+  std::string format, expected;
+  for (int i = 0; i < 700; ++i) {
+    format += i % 3 == 0 ? "%Y" : "a%Y";
+    expected += i % 3 == 0 ? "2026" : "a2026";
+    ASSERT_EQ(Text(march.GetString(format.c_str())), expected) << "length " << format.size();
   }
 }
-
-// The buffer grows in steps of 1024 characters while one pair adds up to four: formats of every
-// length, of whole pairs and of pairs behind one to three other characters, end at each place.
-TEST(CTime, LongFormatsComeOutWhole) {
-  const CTime t = Utc(kMarch5);
-  for (const std::string unit : {"", "a", "ab", "abc"}) {
-    std::string format, expected;
-    for (int i = 0; i < 700; ++i) {
-      format += unit + "%Y";
-      expected += unit + "2026";
-      ASSERT_EQ(Text(t.GetString(format.c_str())), expected) << unit << " " << i;
-    }
-  }
-}
-
-}  // namespace

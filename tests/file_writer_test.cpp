@@ -1,22 +1,18 @@
+// FileWriter: every append through buffers of every small size, when whole buffers go out,
+// trimming, opening modes and failures.
 #include <sys/stat.h>
 
+#include <climits>
 #include <filesystem>
-#include <functional>
-#include <string>
 
-#include "gtest/gtest.h"
 #include "test_util.h"
-#include "toolkit/fileio.h"
 
-namespace {
-
-using testutil::ReadFile;
-using testutil::TempDir;
 using namespace std::string_literals;
 
-// Every buffer size from 1 to 8 makes each append cross a buffer end somewhere, and size 1
-// leaves the buffer full after every binary value. Integers go out most significant byte first,
-// floats in the host's order (little-endian on x86-64 and arm64).
+// Every buffer size from 1 to 8 makes each append cross a buffer end somewhere, and size 1 leaves
+// the buffer full after every binary value. Integers go out most significant byte first, floats
+// in the host's order (little-endian on x86-64 and arm64); fields are cut or padded, justified
+// values only padded.
 TEST(FileWriter, AppendsComeOutWholeAcrossBufferEnds) {
   TempDir dir;
   const long longs[] = {0x01020304, -2};
@@ -24,80 +20,61 @@ TEST(FileWriter, AppendsComeOutWholeAcrossBufferEnds) {
   for (long size : {1L, 2L, 3L, 4L, 5L, 6L, 7L, 8L, FileWriter::kDefaultSize}) {
     FileWriter w(size);
     ASSERT_TRUE(w.Open((dir / "out").c_str()));
-    w.AppendToken('A');
-    w.AppendToken(Str("59"), ',');
-    w.AppendLine(-1234567890L);
-    w.Append('q');  // may leave the buffer full
-    w.AppendByte("\0e\0", 3);
-    w << "a" << 'c' << 12L << 0.5;
+    w << 'q' << 0.5;
+    w.AppendByte("\0e", 2);
     w.AppendField("ABCDEFG", 4);
-    w.AppendField(Str("AB"), 4);
-    w.Append('c', 3, false);
     w.Append("ab", 12, true);  // wider than the whole buffer
-    w.Append(Str("abc"), 2, true);
     w.AppendString("cd");
-    w.Repeat('-', 5);
+    w.Repeat('-', 3);
     w.AppendInteger(static_cast<short>(258));
-    w.AppendLine();
     w.AppendInteger(longs, 2);
     w.AppendFloat(1.0f);
     w.AppendFloat(doubles, 2);
     w.Close();
-    EXPECT_FALSE(w.Failed());
+    EXPECT_FALSE(w.Failed()) << size;
     EXPECT_EQ(ReadFile(dir / "out"),
-              "A 59,-1234567890\nq\0e\0ac120.5ABCDAB  c            ababccd\0-----\x01\x02\n"
-              "\x01\x02\x03\x04\xFF\xFF\xFF\xFE"
+              "q0.5\0eABCD          abcd\0---\x01\x02\x01\x02\x03\x04\xFF\xFF\xFF\xFE"
               "\0\0\x80\x3F\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\0\xC0"s)
-        << size;
+        << "buffer of " << size;
   }
 }
 
-// RemoveEndBlankLines trims only pending bytes and never examines the first of them, so
-// pending "\n\n\n" keeps two newlines.
-TEST(FileWriter, WritesWholeBuffersAsTheyFillAndTrimsOnlyPendingBytes) {
+// The appends of a phd or poly line, from every offset of buffers around a number's text size,
+// never leave a full buffer behind: the file holds exactly the whole buffers that have filled.
+// Single bytes may leave it full until the next byte needs room. A number converted in place
+// leaves the byte behind it as it was, which RemoveEndBlankLines reads: it trims only pending
+// bytes, never looks at the first of them, and scans forward to the buffer's end, so pending
+// "\n\n\n" keeps two newlines.
+TEST(FileWriter, WholeBuffersGoOutAsTheyFillAndTrimmingKeepsToPendingBytes) {
   TempDir dir;
   const std::string path = dir / "out";
-  FileWriter writer(4);
-  ASSERT_TRUE(writer.Open(path.c_str()));
-  writer.Append("abcd");  // a block that fills the buffer goes out at once
-  EXPECT_EQ(ReadFile(path), "abcd");
-  writer.Append("efghij");
-  EXPECT_EQ(ReadFile(path), "abcdefgh");
-  for (char c : "kl"s) writer.Append(c);  // single bytes may leave the buffer full...
-  EXPECT_EQ(ReadFile(path), "abcdefgh");
-  writer.AppendLine();  // ...until the next byte needs room
-  writer.Append("mn");
-  writer << 'o';  // a single byte that fills the buffer goes out at once
-  EXPECT_EQ(ReadFile(path), "abcdefghijkl\nmno");
-  writer.Append("\n\n\n");
-  writer.RemoveEndBlankLines();
-  writer.Close();
-  EXPECT_EQ(ReadFile(path), "abcdefghijkl\nmno\n\n");
-}
-
-// A justified value that does not fit goes out with the one full-buffer write that makes room for
-// it, also when a byte or a binary value left the buffer full: its rest stays pending.
-TEST(FileWriter, JustifiedValueAtAFullBufferWritesOnce) {
-  TempDir dir;
-  const std::string path = dir / "out";
-  const std::function<void(FileWriter&)> values[] = {
-      [](FileWriter& w) { w.Append("ab", 4, true); },
-      [](FileWriter& w) { w.Append(7L, 4, false); },
-      [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); },
-  };
-  for (const auto& value : values) {
-    for (bool binary : {false, true}) {
-      FileWriter writer(4);
-      ASSERT_TRUE(writer.Open(path.c_str()));
-      if (binary) {
-        writer.AppendInteger(1L);
-      } else {
-        writer.Append("abc"), writer.Append('d');
-      }
-      value(writer);
-      EXPECT_EQ(ReadFile(path).size(), 4u) << binary;
+  for (long size : {1L, 2L, 21L, 22L, 32L, 33L}) {
+    for (long offset = 0; offset < size; ++offset) {
+      FileWriter w(size);
+      ASSERT_TRUE(w.Open(path.c_str()));
+      w.Append(std::string(offset, 'x').c_str());
+      w.AppendToken('A');
+      w.AppendToken(Str("59"));
+      w.AppendLine(12345678L);
+      w.Append(LONG_MIN);
+      w.AppendToken(-7L, ',');
+      const std::string expected =
+          std::string(offset, 'x') + "A 59 12345678\n-9223372036854775808-7,";
+      EXPECT_EQ(ReadFile(path).size(), expected.size() / size * size) << size << " from " << offset;
+      w.Close();
+      EXPECT_EQ(ReadFile(path), expected) << "buffer of " << size << " from " << offset;
     }
   }
+  FileWriter w(4);
+  Walk(STEP(w.Open(path.c_str()), true), DO(w.Append("abcdefghij")),
+       STEP(ReadFile(path), "abcdefgh"), DO(w.Append('k')), DO(w.Append('l')),
+       STEP(ReadFile(path), "abcdefgh"), DO(w.AppendLine()), DO(w << "mn" << 'o'),
+       STEP(ReadFile(path), "abcdefghijkl\nmno"), DO(w.Append("\n\n\n")),
+       DO(w.RemoveEndBlankLines()), DO(w.Close()), STEP(ReadFile(path), "abcdefghijkl\nmno\n\n"),
+       DO(w.SetSize(64)), STEP(w.Open(path.c_str()), true),
+       DO(w.Append(("0123456\n" + std::string(56, 'x')).c_str())), DO(w.Append(1234567L)),
+       DO(w.RemoveEndBlankLines()), DO(w.Close()),
+       STEP(ReadFile(path), "0123456\n" + std::string(56, 'x') + "1234567\n"));
 }
 
 // Files are created with mode 0664 under the umask, and a writer destroyed without Close closes
@@ -107,40 +84,81 @@ TEST(FileWriter, OpenTruncatesReopenAppendsAndFailuresShow) {
   TempDir dir;
   const std::string path = dir / "out";
   const mode_t oldMask = umask(002);
-  const auto files = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-  {
-    FileWriter writer;
-    ASSERT_TRUE(writer.Open(path.c_str()));
-    writer.AppendLine("old");
-    writer.Close();
-    ASSERT_TRUE(writer.Reopen(path.c_str()));
-    writer.Append("new");
-    writer.Close();
-    ASSERT_TRUE(writer.Reopen(Str(path.c_str())));
-    writer.Append("!");
-    writer.Close();
-    EXPECT_EQ(ReadFile(path), "old\nnew!");
-    ASSERT_TRUE(writer.Open(Str(path.c_str())));
-    writer.Append("dropped");
-  }
+  auto descriptors = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const long open = descriptors();
+  auto writer = std::make_unique<FileWriter>();
+  Walk(STEP(writer->Open(path.c_str()), true), DO(writer->AppendLine("old")), DO(writer->Close()),
+       STEP(writer->Reopen(Str(path.c_str())), true), DO(writer->Append("new")),
+       DO(writer->Close()), STEP(ReadFile(path), "old\nnew"),
+       STEP(writer->Open(Str(path.c_str())), true), DO(writer->Append("dropped")),
+       DO(writer = std::make_unique<FileWriter>(4)), STEP(ReadFile(path), ""),
+       STEP(descriptors(), open), STEP(FileMode(path), 0664),
+       STEP(writer->Open((dir / "no/such/file").c_str()), false), STEP(writer->Failed(), true),
+       STEP(writer->Reopen(dir.path.c_str()), false), STEP(writer->Open("/dev/full"), true),
+       DO(writer->Append("abc")), STEP(writer->Failed(), false),   // nothing went out yet
+       DO(writer->Append("defgh")), STEP(writer->Failed(), true),  // a full buffer found no room
+       STEP(writer->Reopen("/dev/full"), true), DO(writer->Append('x')),
+       STEP(writer->Failed(), false), DO(writer->Close()), STEP(writer->Failed(), true));
   umask(oldMask);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}), files);
-  EXPECT_EQ(ReadFile(path), "");
-  EXPECT_EQ(testutil::FileMode(path), 0664u);
-
-  FileWriter writer(4);
-  EXPECT_FALSE(writer.Open((dir / "no/such/file").c_str()) || writer.Reopen(dir.path().c_str()));
-  EXPECT_TRUE(writer.Failed());
-  ASSERT_TRUE(writer.Open("/dev/full"));
-  writer.Append("abc");
-  EXPECT_FALSE(writer.Failed());  // a successful Open clears it, and nothing went out yet
-  writer.Append("defgh");         // a full buffer goes out and finds no room
-  EXPECT_TRUE(writer.Failed());
-  ASSERT_TRUE(writer.Reopen("/dev/full"));
-  writer.Append('x');
-  EXPECT_FALSE(writer.Failed());
-  writer.Close();
-  EXPECT_TRUE(writer.Failed());
 }
 
-}  // namespace
+// A justified value that does not fit a buffer an Append(char) or a binary value left full goes
+// out with one write of the whole buffer; the rest of the field stays pending.
+TEST(FileWriter, JustifiedValueAtAFullBufferWritesOnce) {
+  TempDir dir;
+  const std::string path = dir / "out";
+  const std::pair<const char*, std::function<void(FileWriter&)>> values[] = {
+      {"text", [](FileWriter& w) { w.Append("ab", 4, true); }},
+      {"number", [](FileWriter& w) { w.Append(7L, 4, false); }},
+      {"Str", [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); }},
+  };
+  for (const auto& [name, value] : values) {
+    for (bool binary : {false, true}) {
+      FileWriter writer(4);
+      ASSERT_TRUE(writer.Open(path.c_str()));
+      if (binary) {
+        writer.AppendInteger(1L);
+      } else {
+        writer.Append("abc");
+        writer.Append('d');
+      }
+      value(writer);
+      EXPECT_EQ(ReadFile(path).size(), 4u) << name << (binary ? " after a binary value" : "");
+    }
+  }
+}
+
+const unsigned char kBlock[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'};
+
+// The pending bytes and the block reach the file at once and in order, from any buffer size (a
+// writer of size 0 has no buffer but can still hand over blocks); later appends start afresh.
+TEST(FileWriter, WriteThroughSendsPendingBytesAndBlockAtOnce) {
+  TempDir dir;
+  const std::string path = dir / "out";
+  for (long size : {0L, 1L, 3L, 4L, FileWriter::kDefaultSize}) {
+    FileWriter writer(size);
+    ASSERT_TRUE(writer.Open(path.c_str()));
+    if (size > 0) writer.Append("ab");
+    writer.WriteThrough(kBlock, sizeof kBlock);
+    const std::string pending = size > 0 ? "ab" : "";
+    EXPECT_EQ(ReadFile(path), pending + "0123456789") << size;
+    writer.WriteThrough(kBlock, 0);
+    if (size > 0) writer.AppendByte('x');
+    writer.Close();
+    EXPECT_EQ(ReadFile(path), pending + "0123456789" + (size > 0 ? "x" : "")) << size;
+    EXPECT_FALSE(writer.Failed()) << size;
+  }
+}
+
+// Nothing open, or a device that takes nothing: the bytes are lost and Failed tells.
+TEST(FileWriter, WriteThroughFailuresShow) {
+  FileWriter writer(4);
+  writer.Append("ab");
+  writer.WriteThrough(kBlock, sizeof kBlock);
+  EXPECT_TRUE(writer.Failed());
+  ASSERT_TRUE(writer.Open("/dev/full"));
+  writer.WriteThrough(kBlock, sizeof kBlock);
+  EXPECT_TRUE(writer.Failed());
+}

@@ -1,99 +1,101 @@
-#include <gtest/gtest.h>
+// Parser: reading pieces, moving, skipping back and searching. Most cases are walks of one cursor
+// over one text, with the answer of each step and, where it matters, the offset it stands at.
+#include "test_util.h"
 
-#include <functional>
-#include <string>
+using Read = bool (*)(Parser&, Str&);
 
-#include "toolkit/str.h"
-
-namespace {
-
-using Read = std::function<bool(Parser&, Str&)>;
-
-// The pieces a reading yields until it fails, as "[a][b]"; "!" if the failure left anything.
-std::string Pieces(const char* text, const Read& read) {
+// The pieces a reading yields until it fails; the failure must leave an empty target and the
+// cursor at the end.
+static std::vector<std::string> Pieces(const char* text, const Read& read) {
   Str source(text), t("junk");
   Parser p(source);
-  std::string out;
-  while (read(p, t)) out += std::string("[") + t.String() + "]";
-  return out + (t.Length() != 0 || p.Get() != '\0' ? "!" : "");
+  std::vector<std::string> pieces;
+  while (read(p, t)) pieces.push_back(t.String());
+  EXPECT_STREQ(t.String(), "") << text;
+  EXPECT_EQ(p.Get(), '\0') << text;
+  return pieces;
 }
 
 // Where the cursor stands: the number of characters in front of it.
-long Offset(Parser& p) {
+static long Offset(Parser& p) {
   Str left("junk");
   p.GetLeft(left);
   return left.Length();
 }
 
-}  // namespace
+// The next token, or "-" when there is none.
+static std::string Token(Parser& p, char sep = ' ') {
+  Str t;
+  return (sep == ' ' ? p.GetToken(t) : p.GetToken(t, sep)) ? t.String() : "-";
+}
+
+// clang-format off
+#define READ(code) [](Parser& p, Str& t) { return code; }
+// clang-format on
 
 TEST(Parser, ReadingPieces) {
-  const Read token = [](Parser& p, Str& t) { return p.GetToken(t); };
-  const Read line = [](Parser& p, Str& t) { return p.GetLine(t); };
-  auto wrap = [](long width) -> Read {
-    return [width](Parser& p, Str& t) { return p.WordWrap(t, width); };
-  };
-  EXPECT_EQ("[abc][def]", Pieces("  abc  def", token));
-  EXPECT_EQ("", Pieces(" \t\r\n\v\f ", token));
-  EXPECT_EQ("[x\xA0y\x85z][\xFF]", Pieces("x\xA0y\x85z \xFF", token));  // high bytes: no blanks
-  EXPECT_EQ("[a][][ b ]", Pieces("a,, b ", [](Parser& p, Str& t) { return p.GetToken(t, ','); }));
-  EXPECT_EQ("[abc][def][g]", Pieces("abcdefg", [](Parser& p, Str& t) { return p.GetToken(t, 3); }));
-  EXPECT_EQ("[x\r][y][][last]", Pieces("x\r\ny\n\nlast", line));
-  EXPECT_EQ("[only]", Pieces("only\n", line));
-  EXPECT_EQ("[abc ][defgh]", Pieces("abc defgh", wrap(5)));
-  EXPECT_EQ("[abcde][fgh]", Pieces("abcdefgh", wrap(5)));
-  EXPECT_EQ("[abc   ][de]", Pieces("abc   de", wrap(3)));  // the whole run of blanks
-  EXPECT_EQ("[ab\n][cd ef\n][\n][gh]", Pieces("ab\ncd ef\n\ngh", wrap(5)));
-  EXPECT_EQ("[abcde\n][\n][f]", Pieces("abcde\n\nf", wrap(5)));  // a newline at the width
-  EXPECT_EQ("[a][b]", Pieces("ab", wrap(0)));  // a width below one still makes progress
-
-  // A target grows to twice the piece only when the piece does not fit.
-  Str abcd("abcd"), small(3L), exact(4L);
+  ExpectFacts(
+      Q(Pieces("  abc  def", READ(p.GetToken(t))), "[abc][def]"),
+      Q(Pieces("x\xA0y\x85z \xFF", READ(p.GetToken(t))), "[x\xA0y\x85z][\xFF]"),  // not blanks
+      Q(Pieces("a,, b ", READ(p.GetToken(t, ','))), "[a][][ b ]"),
+      Q(Pieces("abcdefg", READ(p.GetToken(t, 3L))), "[abc][def][g]"),
+      Q(Pieces("x\r\ny\n\nlast", READ(p.GetLine(t))), "[x\r][y][][last]"),
+      Q(Pieces("ab cd", READ(p.GetRight(t))), "[ab cd]"),
+      Q(Pieces("abc defgh", READ(p.WordWrap(t, 5))), "[abc ][defgh]"),
+      Q(Pieces("abc   de", READ(p.WordWrap(t, 3))), "[abc   ][de]"),  // the whole run of blanks
+      Q(Pieces("ab\ncd ef\n\ngh", READ(p.WordWrap(t, 5))), "[ab\n][cd ef\n][\n][gh]"),
+      Q(Pieces("abcde\n\nf", READ(p.WordWrap(t, 5))), "[abcde\n][\n][f]"),  // \n at the width
+      Q(Pieces("ab", READ(p.WordWrap(t, 0))), "[a][b]"));  // a width below 1 still moves on
+  // No characters are no characters; a target grows to twice a piece that does not fit.
+  Str abcd("abcd"), none("x"), small(3L), exact(4L);
   Parser r(abcd);
-  r.GetRight(small), r.Begin(), r.GetRight(exact);
-  EXPECT_TRUE(small == "abcd" && small.Size() == 8 && exact == "abcd" && exact.Size() == 5);
+  Walk(STEP(r.GetToken(none, 0L), true), STEP(none, "/2"), STEP(r.GetRight(small), true),
+       STEP(small, "abcd/8"), DO(r.Begin()), STEP(r.GetRight(exact), true), STEP(exact, "abcd/5"));
 }
 
+// Stepping clamps to the first character and to the terminator; stepping onto the terminator is
+// the end. SkipToken stops on the blank behind a token, the separator forms step past theirs.
 TEST(Parser, MovingAndSkipping) {
-  Str abc("abc"), fields("a,b,c"), spaced("  ab "), text(" one two  three "), lines("l1\r\nl2\nl3");
-  Parser p(abc), f(fields), s(spaced), n(text), l(lines);
-  EXPECT_TRUE(p.Next(2) && !p.Next(1) && Offset(p) == 3);  // onto the terminator is the end
-  EXPECT_TRUE(p.Previous(3) && !p.Previous(1) && Offset(p) == 0);
-  EXPECT_TRUE(!p.Next(1000) && Offset(p) == 3 && p.Next(-5) && Offset(p) == 0);  // no underrun
-  EXPECT_TRUE(p.SetPosition(2L) && !p.SetPosition(3L) && !p.SetPosition(-1L) && Offset(p) == 2);
-  EXPECT_TRUE(f.SetPosition(',') && f.SetPosition(',') && Offset(f) == 1);    // the current counts
-  EXPECT_TRUE(f.SkipToken(',', 1) && !f.SetPosition('x') && Offset(f) == 5);  // not found: end
-  char x = 0, y = 0, z = 'z';
-  EXPECT_TRUE(s.GetCharacter(x) && s.GetCharacter(y) && !s.GetCharacter(z));  // blanks only
-  EXPECT_TRUE(x == 'a' && y == 'b' && z == '\0' && Offset(s) == 5);
-  EXPECT_TRUE(n.SkipToken() && Offset(n) == 4 && n.SkipToken(2) && Offset(n) == 15);  // on blanks
-  EXPECT_TRUE(!n.SkipToken() && Offset(n) == 16);
-  EXPECT_TRUE(l.SkipLine(2) && Offset(l) == 7 && !l.SkipLine() && Offset(l) == 9);
+  Str abc("abc"), fields("a,b,c"), words(" one two  three "), lines("l1\r\nl2\nl3"),
+      spaced("  ab ");
+  Parser p(abc), f(fields), w(words), l(lines), s(spaced);
+  char c = 0;
+  Walk(STEP(p.Next(2), true), STEP(Offset(p), 2L), STEP(p.Next(1), false), STEP(Offset(p), 3L),
+       STEP(p.Previous(3), true), STEP(p.Previous(1), false), STEP(p.Next(1000), false),
+       STEP(p.Next(-5), true), STEP(Offset(p), 0L), STEP(p.SetPosition(2L), true),
+       STEP(p.SetPosition(3L), false), STEP(p.SetPosition(-1L), false), STEP(Offset(p), 2L),
+       STEP(f.SetPosition(','), true), STEP(f.SkipToken(',', 1), true), STEP(Offset(f), 2L),
+       STEP(f.SetPosition('x'), false), STEP(Offset(f), 5L), STEP(w.SkipToken(), true),
+       STEP(w.SkipToken(2), true), STEP(Offset(w), 15L), STEP(w.SkipToken(), false),
+       STEP(Offset(w), 16L), STEP(l.SkipLine(2), true), STEP(Offset(l), 7L),
+       STEP(l.SkipLine(), false), STEP(Offset(l), 9L), STEP(s.GetCharacter(c), true), STEP(c, 'a'),
+       STEP(s.GetCharacter(c), true), STEP(s.GetCharacter(c), false), STEP(c, '\0'),
+       STEP(Offset(s), 5L));  // only blanks were left
 }
 
-TEST(Parser, SkipBackUndoesAGetToken) {
-  Str args(" -r -abi "), tail("x yz"), fields("ab,cd,ef"), empty, t;
-  Parser a(args), q(tail), f(fields), e(empty);
-  EXPECT_TRUE(a.GetToken(t) && Offset(a) == 4 && a.GetToken(t) && Offset(a) == 9);  // and a blank
-  a.SkipBack();
-  EXPECT_TRUE(Offset(a) == 4 && a.GetToken(t) && t == "-abi");  // the same token again
-  q.SkipToken(2), q.SkipBack();                                 // from the end of the text
-  EXPECT_EQ(2, Offset(q));
-  q.SkipBack(), q.SkipBack();  // at the first character it stays there
-  EXPECT_EQ(0, Offset(q));
-  f.GetToken(t, ','), f.GetToken(t, ','), f.SkipBack(',');
-  EXPECT_TRUE(Offset(f) == 3 && f.GetToken(t, ',') && t == "cd");
-  f.SkipBack(','), f.SkipBack(','), f.SkipBack(','), e.SkipBack(','), e.SkipBack();
-  EXPECT_TRUE(Offset(f) == 0 && e.Get() == '\0');
+// SkipBack undoes a GetToken, so that the same token is read again; at the first character, and
+// with a NUL separator on an empty text, it stays in the text.
+TEST(Parser, SkipBack) {
+  Str args(" -r -abi "), words("x yz"), fields("ab,cd,ef"), ab("ab"), empty;
+  Parser a(args), w(words), f(fields), n(ab), e(empty);
+  Walk(STEP(Token(a), "-r"), STEP(Token(a), "-abi"), DO(a.SkipBack()), STEP(Offset(a), 4L),
+       STEP(Token(a), "-abi"), DO(w.SkipToken(2)), DO(w.SkipBack()), STEP(Offset(w), 2L),
+       DO(w.SkipBack()), DO(w.SkipBack()), STEP(Token(f, ','), "ab"), STEP(Token(f, ','), "cd"),
+       DO(f.SkipBack(',')), STEP(Offset(f), 3L), STEP(Token(f, ','), "cd"), DO(f.SkipBack(',')),
+       DO(f.SkipBack(',')), STEP(Offset(f), 0L), DO(n.Next(5)), DO(n.SkipBack('\0')),
+       STEP(Offset(n), 0L), DO(e.SkipBack('\0')), DO(e.SkipBack(',')), DO(e.SkipBack()),
+       STEP(e.Get(), '\0'));
 }
 
+// Compare looks at the position only; Contains searches the whole text from its start and moves
+// there.
 TEST(Parser, CompareAndContains) {
   Str text(">seq1 desc"), abc("abcabc");
   Parser p(text), q(abc);
-  EXPECT_TRUE(p.Compare(">seq") && !p.Compare("") && p.Next(1) && p.Compare(Str("seq1 desc")));
-  EXPECT_FALSE(p.Compare("seq1 description"));                          // longer than what is left
-  EXPECT_TRUE(q.SetPosition(5L) && q.Contains("b") && Offset(q) == 1);  // searched from the start
-  EXPECT_TRUE(q.SetPosition(4L) && !q.Contains("x") && !q.Contains("") && !q.Contains('\0'));
-  EXPECT_TRUE(Offset(q) == 4 && q.Contains('c') && Offset(q) == 2 && q.SetPosition(4L));
-  EXPECT_TRUE(q.Contains(Str("ca")) && Offset(q) == 2);
+  Walk(STEP(p.Compare(">seq"), true), STEP(p.Compare(""), false), STEP(p.Next(1), true),
+       STEP(p.Compare(Str("seq1 desc")), true), STEP(p.Compare("seq1 description"), false),
+       STEP(q.SetPosition(5L), true), STEP(q.Contains("b"), true), STEP(Offset(q), 1L),
+       STEP(q.SetPosition(4L), true), STEP(q.Contains("x"), false), STEP(q.Contains('\0'), false),
+       STEP(Offset(q), 4L), STEP(q.Contains('c'), true), STEP(Offset(q), 2L),
+       STEP(q.SetPosition(4L), true), STEP(q.Contains(Str("ca")), true), STEP(Offset(q), 2L));
 }

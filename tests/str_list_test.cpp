@@ -1,119 +1,89 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-
-#include "toolkit/str.h"
+// SList, the list of borrowed pointers with one cursor, and StrList, the list that owns copies of
+// its texts. Each test is a walk: steps in order, each with the answer it must give.
+#include "test_util.h"
 
 namespace {
 
-// The texts, each followed by a blank, then "@" and the cursor's index; the cursor stays put.
-std::string Texts(SList<Str>& list) {
+// The texts in order; the cursor stays where it was.
+std::vector<std::string> Texts(SList<Str>& list) {
   const long position = list.GetPosition();
-  std::string joined;
-  for (list.Begin(); Str* s = list.GetNext();) joined += std::string(s->String()) + " ";
+  std::vector<std::string> texts;
+  for (list.Begin(); Str* s = list.GetNext();) texts.push_back(s->String());
   list.Begin(position);
-  return joined + "@" + std::to_string(position);
+  return texts;
 }
 
-// A list that borrows its elements from strings that outlive it.
-struct Borrowed {
-  Str a{"a"}, b{"b"}, c{"c"}, z{"z"}, another_b{"b"};
-  Str* abc[3] = {&a, &b, &c};
-  SList<Str> l;
-  Borrowed() { l.Append(abc, 3); }
-};
+std::string Name(const Str* s) { return s != nullptr ? s->String() : "null"; }
 
 }  // namespace
 
-TEST(SList, CursorStaysInTheList) {
-  Borrowed f;
-  f.l.Begin();
-  EXPECT_TRUE(f.l.IsHead() && f.l.GetNext() == &f.a && f.l.GetNext() == &f.b);
-  EXPECT_TRUE(f.l.GetNext() == &f.c && f.l.IsEnd() && f.l.GetNext() == nullptr);
-  f.l.Next(), f.l.Back();  // Next stays at the end
-  EXPECT_EQ(&f.c, f.l.Get());
-  f.l.Begin(), f.l.Back();  // Back stays at the head
-  EXPECT_TRUE(f.l.IsHead());
-  f.l.Next(10);
-  EXPECT_TRUE(f.l.IsEnd() && f.l.Begin(1)->next->item == &f.b);
-  EXPECT_FALSE(f.l.SetPosition(3) || f.l.SetPosition(-1) || f.l.Get(3) != nullptr);
-  EXPECT_EQ("a b c @1", Texts(f.l));
+// SList borrows its elements. Next stays at the end and Back at the head; a position out of range
+// changes nothing. Insert goes in front of the current element, by index only at 0 of a
+// non-empty list; inserting a list moves its links over, and a list appended to itself doubles
+// once. Replace and Remove hand the old pointer back; Clear deletes the elements, Reset only the
+// links.
+TEST(SList, CursorInsertingAndRemoving) {
+  Str a("a"), b("b"), c("c"), z("z"), otherB("b");
+  Str* abc[3] = {&a, &b, &c};
+  SList<Str> l, other, owning;
+  Str** copied = nullptr;
+  Walk(DO(l.Append(abc, 3)), DO(l.Begin()), STEP(Name(l.GetNext()), "a"), DO(l.Next(10)),
+       DO(l.Back()), STEP(Name(l.Get()), "c"), DO(l.Begin()), DO(l.Back()), STEP(l.IsHead(), true),
+       STEP(l.SetPosition(3), false), STEP(Name(l.Get(1)), "b"), STEP(l.GetPosition(), 1L),
+       DO(l.Append(&z)), STEP(l.GetPosition(), 3L), DO(l.InsertNext(&a)), DO(l.Insert(&c)),
+       DO(l.Insert(&z, 1)), DO(other.Insert(&z, 0)), STEP(Texts(l), "[a][b][c][a][c][z]"),
+       STEP(l.GetPosition(), 4L), STEP(other.Count(), 0L), DO(l.Insert(&z, 0)),
+       DO(other.Append(abc, 2)), DO(l.SetPosition(6)), DO(l.Insert(other)),
+       STEP(Texts(l), "[z][a][b][c][a][c][a][b][z]"), STEP(l.GetPosition(), 8L),
+       STEP(other.Count(), 0L), DO(other.Copy(abc, 2)), DO(other.Append(other)),
+       STEP(Texts(other), "[a][b][a][b]"), DO(l.SetPosition(1)),
+       STEP(Name(l.Replace(&z, 9)), "null"), STEP(Name(l.Replace(&z, 2)), "b"),
+       STEP(Name(l.Remove(0)), "z"), STEP(Name(l.Get()), "a"), DO(l.Begin(8)),
+       STEP(Name(l.Remove()), "null"), DO(l.Reverse()), STEP(l.IsHead(), true),
+       STEP(Texts(l), "[z][b][a][c][a][c][z][a]"), DO(copied = l.CopyToArray()),
+       STEP(Name(copied[1]), "b"), STEP(l.IsEnd(), true), DO(delete[] copied),
+       STEP(l.Contains(&b), true), STEP(l.Contains(&otherB), false),
+       DO(owning.Append(new Str("one"))), DO(owning.Clear()), DO(owning.Append(&a)),
+       DO(owning.Reset()), STEP(owning.Count(), 0L), STEP(a, "a/2"));
 }
 
-TEST(SList, InsertingSharesThePointers) {
-  Borrowed f;
-  SList<Str> other;
-  f.l.Begin(), f.l.Append(&f.z);  // from anywhere, behind the last element, and current
-  EXPECT_EQ("a b c z @3", Texts(f.l));
-  f.l.InsertNext(&f.a), f.l.InsertNext(&f.b), f.l.Insert(&f.c);  // "z" stays, then "c" is current
-  f.l.Insert(&f.z, 1), f.l.Insert(&f.z, -1), other.Insert(&f.z, 0);  // only index 0 of a list
-  EXPECT_EQ("a b c a b c z @5|@0", Texts(f.l) + "|" + Texts(other));
-  f.l.Insert(&f.z, 0), other.Append(f.abc, 2), f.l.SetPosition(7), f.l.Insert(other);
-  EXPECT_EQ("z a b c a b c a b z @9|@0", Texts(f.l) + "|" + Texts(other));  // links moved
-  EXPECT_EQ(10, f.l.Count() + other.Count());
-  other.Copy(f.abc, 2), other.Append(other);  // doubles once
-  EXPECT_EQ("a b a b @4", Texts(other));
-}
-
-TEST(SList, RemovingAndTurning) {
-  Borrowed f;
-  f.l.SetPosition(1);
-  EXPECT_TRUE(f.l.Replace(&f.z, 3) == nullptr && f.l.Remove(-1) == nullptr);
-  EXPECT_TRUE(f.l.Replace(&f.z, 2) == &f.c && f.l.Remove(0) == &f.a);
-  EXPECT_EQ("b z @0", Texts(f.l));  // the next element became current
-  f.l.Begin(2);
-  EXPECT_TRUE(f.l.Remove() == nullptr && f.l.Replace(&f.a) == nullptr && f.l.Count() == 2);
-  f.l.Append(&f.c), f.l.Reverse(), f.l.Append(&f.a);  // the links stay well formed
-  Str** copied = f.l.CopyToArray();
-  EXPECT_TRUE(copied[0] == &f.c && copied[3] == &f.a && f.l.IsEnd());
-  delete[] copied;
-  EXPECT_TRUE(f.l.Contains(&f.b) && !f.l.Contains(&f.another_b));  // the pointer, not the text
-
-  SList<Str> owning;
-  owning.Append(new Str("one")), owning.Append(new Str("two")), owning.Clear();  // both freed
-  owning.Append(&f.a), owning.Reset();
-  EXPECT_EQ("@0|a", Texts(owning) + "|" + f.a.String());
-}
-
+// Every insertion stores a copy, also of a text that changes later; a refused one leaks none.
+// Collate inserts behind equal texts, CollateOnce not at all when the text is there.
 TEST(StrList, CopiesLinesAndOrder) {
   Str original("abc");
   StrList list, copy, once;
-  list.Append(&original), list.Insert("first"), list.InsertNext(original);
-  original.Copy("xyz");
-  list.Insert(&original, 0), list.Insert("never", 1);  // the refused one leaks no copy
-  copy.Copy(list);
-  EXPECT_EQ("xyz abc first abc @0|xyz abc first abc @4", Texts(list) + "|" + Texts(copy));
-  list.SetList("a\r\nb\n\nc\n");
-  EXPECT_EQ("a\r b  c @3", Texts(list));
-
-  list.SetList("");
-  for (const char* t : {"b", "a", "c", "b"}) list.Collate(t), once.CollateOnce(t);
-  EXPECT_EQ("a b b c @2|a b c @1", Texts(list) + "|" + Texts(once));  // behind equal texts
-  EXPECT_FALSE(once.CollateOnce("ab"));
-  list.Insert("b\xE9"), list.Insert("ab"), list.Sort(false);
-  EXPECT_EQ("a ab b b b\xE9 c ", Texts(list).substr(0, 14));
-  list.Sort(true);  // descending
-  EXPECT_EQ("c b\xE9 b b ab a ", Texts(list).substr(0, 14));
+  Walk(DO(list.Append(&original)), DO(list.Insert("first")), DO(list.InsertNext(original)),
+       DO(original.Copy("xyz")), DO(list.Insert(&original, 0)), DO(list.Insert("never", 1)),
+       DO(copy.Copy(list)), STEP(Texts(list), "[xyz][abc][first][abc]"),
+       STEP(list.GetPosition(), 0L), STEP(Texts(copy), "[xyz][abc][first][abc]"),
+       STEP(copy.GetPosition(), 4L), DO(list.SetList("a\r\nb\n\nc\n")),
+       STEP(Texts(list), "[a\r][b][][c]"), DO(list.SetList("")), DO(list.Collate("b")),
+       DO(list.Collate("a")), DO(list.Collate("c")), DO(list.Collate(Str("b"))),
+       STEP(Texts(list), "[a][b][b][c]"), STEP(list.GetPosition(), 2L),
+       STEP(once.CollateOnce("b"), false), STEP(once.CollateOnce("a"), false),
+       STEP(once.CollateOnce("b"), true), STEP(once.GetPosition(), 1L), STEP(Texts(once), "[a][b]"),
+       DO(list.Insert("b\xE9")), DO(list.Insert("ab")), DO(list.Sort(false)),
+       STEP(Texts(list), "[a][ab][b][b][b\xE9][c]"), DO(list.Sort(true)),
+       STEP(Texts(list), "[c][b\xE9][b][b][ab][a]"));
 }
 
+// Searches leave the element they found current, or the cursor at the end; reads leave the
+// target alone when there is nothing to read.
 TEST(StrList, FindingFamily) {
   StrList list;
-  list.SetList("phd_dir\npoly_dir\nphd_dir\nchromat_dir");
-  EXPECT_TRUE(list.Compare("ph") && list.GetPosition() == 0 && !list.Find("ph") && list.IsEnd());
-  EXPECT_TRUE(list.Find(Str("phd_dir")) && list.FindNext("phd_dir") && list.GetPosition() == 2);
-  EXPECT_FALSE(list.FindNext("phd_dir") || list.FindNext("phd_dir"));
-  list.Begin();
-  EXPECT_TRUE(list.CompareNext("p") && list.GetPosition() == 1);
-  EXPECT_TRUE(list.Contains("mat") && list.GetPosition() == 3 && !list.Contains(""));
-  list.Begin();
-  EXPECT_TRUE(list.ContainsNext(Str("d_")) && list.GetPosition() == 2);
-  EXPECT_TRUE(list.GetIndex("chromat_dir") == 3 && list.GetIndex(Str("poly_dir")) == 1);
   Str out("unchanged");
-  EXPECT_TRUE(list.GetNextString(out) && out == "poly_dir" && list.GetString(out));
-  EXPECT_TRUE(out == "phd_dir" && list.GetString(out, 3) && out == "chromat_dir");
-  EXPECT_FALSE(list.GetString(out, 4) || list.GetNextString(out));
-  EXPECT_TRUE(out == "chromat_dir" && list.GetIndex("edit_dir") == -1 && list.IsEnd());
+  Walk(DO(list.SetList("phd_dir\npoly_dir\nphd_dir\nchromat_dir")), STEP(list.Compare("ph"), true),
+       STEP(list.GetPosition(), 0L), STEP(list.Find("ph"), false),
+       STEP(list.Find(Str("phd_dir")), true), STEP(list.FindNext("phd_dir"), true),
+       STEP(list.GetPosition(), 2L), STEP(list.FindNext("phd_dir"), false), DO(list.Begin()),
+       STEP(list.CompareNext("p"), true), STEP(list.GetPosition(), 1L),
+       STEP(list.Contains("mat"), true), STEP(list.GetPosition(), 3L), DO(list.Begin()),
+       STEP(list.ContainsNext(Str("d_")), true), STEP(list.GetPosition(), 2L),
+       STEP(list.GetIndex("chromat_dir"), 3L), STEP(list.GetIndex(Str("poly_dir")), 1L),
+       STEP(list.GetNextString(out), true), STEP(out, "poly_dir/10"),
+       STEP(list.GetString(out, 3), true), STEP(out, "chromat_dir/12"),
+       STEP(list.GetString(out, 4), false), STEP(out, "chromat_dir/12"),
+       STEP(list.GetIndex("edit_dir"), -1L), STEP(list.IsEnd(), true));
 }
 
 // A StrList deletes the copies it made, once, and never a pointer handed in: each row leaves

@@ -1,292 +1,221 @@
 // Str: storage and growth, numbers, comparison and search, editing, tokens, fields, hex, streams.
-#include "toolkit/str.h"
-
-#include <gtest/gtest.h>
-
+// Most cases are rows named by their own code: EDIT applies code to a fresh string and expects
+// what it leaves ("text/size") or the message it throws; Q expects the value of an expression.
 #include <climits>
 #include <cmath>
-#include <cstring>
-#include <memory>
-#include <sstream>
-#include <string>
+
+#include "test_util.h"
+
+static const char kRange[] = "ERROR: String position is out of range";
+static const char kInvalid[] = "ERROR: String parameter is invalid";
+static const char kAlloc[] = "ERROR: String can not be allocated.";
 
 namespace {
 
-constexpr char kRange[] = "ERROR: String position is out of range";
-constexpr char kInvalid[] = "ERROR: String parameter is invalid";
-constexpr char kAlloc[] = "ERROR: String can not be allocated.";
+struct Edit {
+  const char* code;
+  std::function<void(Str&)> apply;
+  std::string want;  // "text/size", or the message thrown
+};
+// clang-format off
+#define EDIT(code, want) Edit{#code, [](Str& s) { code; }, want}
+// clang-format on
 
-// A text and its buffer size, as "text/size"; the length must agree with the terminator.
-std::string Shown(const Str& s) {
-  EXPECT_EQ(static_cast<long>(std::strlen(s.String())), s.Length()) << s.String();
-  return s.String() + ("/" + std::to_string(s.Size()));
-}
-
-template <class... T>
-std::string Join(const T&... values) {
-  std::ostringstream out;
-  int n = 0;
-  ((out << (n++ == 0 ? "" : "|") << values), ...);
-  return out.str();
-}
-
-// Applies each edit to a new Str(before) and expects what it leaves, as Shown() gives it, or the
-// message it throws; a throwing edit must leave the string as it was.
-template <class Edit, class... Rest>
-void Check(const char* before, Edit edit, const char* after, Rest... rest) {
-  Str s(before);
-  try {
-    edit(s);
-    EXPECT_EQ(after, Shown(s)) << before;
-  } catch (const char* message) {
-    EXPECT_EQ(after, std::string(message)) << before;
-    EXPECT_EQ(Shown(Str(before)), Shown(s));
+// Applies each edit to a fresh Str(before); one that throws must leave the string as it was.
+template <class... Edits>
+void ExpectEdits(const char* before, const Edits&... edits) {
+  for (const Edit& e : {edits...}) {
+    Str s(before);
+    try {
+      e.apply(s);
+      EXPECT_EQ(Shown(s), e.want) << '"' << before << "\": " << e.code;
+    } catch (const char* message) {
+      EXPECT_EQ(message, e.want) << '"' << before << "\": " << e.code;
+      EXPECT_EQ(Shown(s), Shown(Str(before))) << '"' << before << "\": " << e.code;
+    }
   }
-  if constexpr (sizeof...(rest) > 0) Check(before, rest...);
 }
 
-// The text that CopyField, or AppendField behind `start`, makes of x.
+std::string Float(double x) {
+  char text[Str::kNumberTextSize];
+  return std::string(text, Str::ConvertFloat(x, text));
+}
+
+// The text a field call leaves in "ab".
 template <class T>
-std::string Field(T x, long width, const char* format, const char* start = nullptr) {
-  Str s(start != nullptr ? start : "");
-  if (start != nullptr) s.AppendField(x, width, format);
-  if (start == nullptr) s.CopyField(x, width, format);
-  return s.String();
-}
-
-std::string Hex(long value, int digits, bool prefix) {
-  Str s;
-  s.HexToString(value, digits, prefix);
+std::string Field(T x, long width, const char* format, bool append = false) {
+  Str s("ab");
+  if (append) s.AppendField(x, width, format);
+  if (!append) s.CopyField(x, width, format);
   return s.String();
 }
 
 }  // namespace
 
-TEST(Str, SizeAndAccess) {
-  Str big(1024), s("aXc");
+// Copies keep the capacity. Assignment fits the buffer, Copy only grows it, Append doubles it,
+// += fits it after every change; a character grows it only when it and the terminator do not
+// fit. A token is its text and one separator; CopyToken doubles like Append.
+TEST(Str, ConstructionAccessAndGrowth) {
+  Str big(1024L), text("aXc");
   big.Append("ab");
-  EXPECT_EQ("/1|/1|/1|x/2|---/4|/1|ab/1025|ab/1025",  // copies keep the capacity
-            Join(Shown(Str()), Shown(Str(-5)), Shown(Str(0)), Shown(Str('x')), Shown(Str('-', 3L)),
-                 Shown(Str('-', -2L)), Shown(Str(big)), Shown(Str(&big))));
-  Check(
-      "abc", [](Str& t) { t.SetLength(10); }, "abc/11", [](Str& t) { t.SetLength(3); }, "abc/4",
-      [](Str& t) { t.SetLength(10), t.SetSize(); }, "abc/4", [](Str& t) { t.SetSize(3); }, "ab/3",
-      [](Str& t) { t.SetSize(1); }, "/1", [](Str& t) { t.SetLength(10), t.Clear(); }, "/11",
-      [](Str& t) { t.SetSize(0); }, kInvalid, [](Str& t) { t.Get(3); }, kRange,
-      [](Str& t) { t.Get(-1); }, kRange, [](Str& t) { t.Put('x', 3); }, kRange,
-      [](Str& t) { t.Put(t.Put('X', 1), 0); }, "XXc/4");  // Put answers what it stored
+  ExpectFacts(Q(Str(-5), "/1"), Q(Str('x'), "x/2"), Q(Str('-', 3L), "---/4"),
+              Q(Str(big), "ab/1025"), Q(text.Get(2), 'c'), Q(static_cast<char>(Str()), '\0'),
+              Q(text == "aXc", true), Q(text == "aX", false), Q(Str(" a").HasContent(), true),
+              Q(Str(" \t\n\v\f\r").HasContent(), false), Q(Str(" -42abc").ToInteger(), -42));
   EXPECT_THROW(Str huge(LONG_MAX), const char*);
-  EXPECT_EQ("c|a|1|0|0|1|0|0|-42|0",
-            Join(s.Get(2), static_cast<char>(s), s == "aXc", s == "aX",
-                 static_cast<int>(static_cast<char>(Str())), Str(" a").HasContent(),
-                 Str(" \t\n").HasContent(), Str().HasContent(), Str(" -42abc").ToInteger(),
-                 Str("x1").ToInteger()));
+  ExpectEdits("abc", EDIT(s.SetLength(10), "abc/11"), EDIT(s.SetLength(10); s.SetSize(), "abc/4"),
+              EDIT(s.SetSize(3), "ab/3"), EDIT(s.SetSize(1), "/1"), EDIT(s.SetSize(0), kInvalid),
+              EDIT(s.Get(3), kRange), EDIT(s.Get(-1), kRange),
+              EDIT(s.Put(s.Put('X', 1), 0), "XXc/4"));
+  ExpectEdits("abcdef", EDIT(s = "ab", "ab/3"), EDIT(s.Copy("ab"), "ab/7"),
+              EDIT(s.Copy('z'), "z/7"), EDIT(s.Append("gh"), "abcdefgh/16"),
+              EDIT(s += "g", "abcdefg/8"));
+  ExpectEdits("", EDIT(s.Append('a'), "a/2"),
+              EDIT(s << "n=" << 3L << ' ' << 0.25 << &s, "n=3 0.25n=3 0.25/32"),
+              EDIT(s.AppendToken('A'); s.AppendToken(59L); s.AppendLine(12L), "A 59 12\n/10"),
+              EDIT(s.CopyToken('x'); s.AppendToken(-2.5, ','), "x -2.5,/14"));
+  ExpectEdits("ab", EDIT(s.Append('c'), "abc/6"), EDIT(s.SetLength(9); s.Append('c'), "abc/10"),
+              EDIT(s += s, "abab/5"), EDIT(s.Copy("abcdef", -1), kInvalid),
+              EDIT(s.Copy("abcdef", 0), "/3"), EDIT(s.AppendBytes("x", LONG_MAX), kAlloc),
+              EDIT(s.CopyToken('x', ';'), "x;/3"),
+              EDIT(s.SetLength(1024); s.CopyToken(-12L), "-12 /1025"));
 }
 
-TEST(Str, GrowthRulesDifferByFamily) {
-  // Assignment fits, Copy only grows, Append doubles, += fits after every change.
-  Check(
-      "abcdef", [](Str& s) { s = "ab"; }, "ab/3", [](Str& s) { s.Copy("ab"); }, "ab/7",
-      [](Str& s) { s.SetLength(20), s = *&s; }, "abcdef/7", [](Str& s) { s.Copy('z'); }, "z/7",
-      [](Str& s) { s.Append("gh"); }, "abcdefgh/16", [](Str& s) { s += "g"; }, "abcdefg/8");
-  Check(
-      "", [](Str& s) { s.Copy('z'); }, "z/2", [](Str& s) { s.Append("abc"), s.Append('d'); },
-      "abcd/6", [](Str& s) { s.AppendToken("x"); }, "x /4",
-      [](Str& s) { s << "n=" << 3L << ' ' << 0.25 << &s; }, "n=3 0.25n=3 0.25/32");
-  Check(
-      "ab", [](Str& s) { s.SetLength(9), s += "c"; }, "abc/4", [](Str& s) { s += s; }, "abab/5",
-      [](Str& s) { s.Copy("abcdef", -1); }, kInvalid, [](Str& s) { s.AppendBytes("x", LONG_MAX); },
-      kAlloc);
-  Str s;
-  s.AppendBytes("a\0b", 3), s.Copy("x\0yz", 4);  // exactly the bytes given, NULs included
-  EXPECT_TRUE(s.Length() == 4 && std::memcmp("x\0yz", s.String(), 5) == 0);
-}
-
-TEST(Str, NumbersAndText) {
-  Str texts;
-  const double tiny = 4.9406564584124654e-324, huge = 1.7976931348623157e308;
-  for (double x : {0.0,    -0.0, 0.1,    0.00125, 1e-6,         1e-7,
-                   1.5e-7, 2.5,  1234.5, 100.0,   1.0 / 3,      2.0 / 3,
-                   1e15,   1e16, 1e20,   1e100,   1e-100,       123456789012345678.0,
-                   huge,   tiny, -2.5,   -1e20,   std::nan(""), -HUGE_VAL})
-    texts << x << ' ';
-  EXPECT_EQ(
-      "0 0 0.1 0.00125 0.000001 1.e-07 1.5e-07 2.5 1234.5 100 0.333333333333333 0.666666666666667 "
-      "1000000000000000 1.e+16 1.e+20 1.e+100 1.e-100 1.23456789012346e+17 1.79769313486232e+308 "
-      "4.94065645841247e-324 -2.5 -1.e+20 nan -inf ",
-      std::string(texts.String(), texts.Length()));
-  Str s;  // a negative whole number loses its last digit, and callers rely on that
-  s << 0L << ' ' << -17L << ' ' << LONG_MAX << ' ' << LONG_MIN << ' ' << -3.0 << ' ' << -123.0;
-  EXPECT_EQ("0 -17 9223372036854775807 -9223372036854775808 - -12/104", Shown(s));
-
-  // The first five are numbers; what follows white space is not examined.
-  std::string answers;
-  for (const char* t : {"-1.5e+3", ".5", "7\tx", "12 abc", "1E5", "", "+", "1.", "1e", "1x", "0x10",
-                        ".", "-.e1", "1e+", " 1"}) {
-    answers += Str(t).IsNumber() ? '1' : '0';
+// Integers at both sides of every power of ten, so every digit count; the bytes past the
+// terminator stay put. Doubles: at most 15 significant digits, no trailing zeros, plain from 1e-6
+// to below 1e16; a negative whole number loses its last digit, and callers rely on that.
+TEST(Str, NumberText) {
+  std::vector<long> values = {0, LONG_MAX, LONG_MIN, LONG_MIN + 1};
+  for (long p = 1; p <= LONG_MAX / 10; p *= 10)
+    for (long v : {p - 1, p, p + 1, p * 10 - 1}) values.insert(values.end(), {v, -v});
+  for (long v : values) {
+    char text[Str::kNumberTextSize];
+    std::memset(text, '#', sizeof text);
+    const int n = Str::ConvertInteger(v, text);
+    EXPECT_EQ(std::string(text, sizeof text),
+              std::to_string(v) + '\0' + std::string(Str::kNumberTextSize - n - 1, '#'));
   }
-  EXPECT_EQ("111110000000000", answers);
+  ExpectFacts(Q(Float(-0.0), "0"), Q(Float(0.1), "0.1"), Q(Float(0.00125), "0.00125"),
+              Q(Float(1e-6), "0.000001"), Q(Float(1e-7), "1.e-07"), Q(Float(1.5e-7), "1.5e-07"),
+              Q(Float(1234.5), "1234.5"), Q(Float(100.0), "100"),
+              Q(Float(2.0 / 3), "0.666666666666667"), Q(Float(1e15), "1000000000000000"),
+              Q(Float(1e16), "1.e+16"), Q(Float(1e100), "1.e+100"), Q(Float(1e-100), "1.e-100"),
+              Q(Float(123456789012345678.0), "1.23456789012346e+17"),
+              Q(Float(1.9999999999999998), "2"), Q(Float(9.9999999999999982), "10"),
+              Q(Float(-2.5), "-2.5"), Q(Float(-3.0), "-"), Q(Float(-123.0), "-12"),
+              Q(Float(std::nan("")), "nan"), Q(Float(-HUGE_VAL), "-inf"));
+  // [+-] (digits [. digits] | . digits) [(e|E) [+-] digits], then the end or white space.
+  for (const char* yes : {"-1.5e+3", ".5", "7\tx", "12 abc", "1E5"})
+    EXPECT_TRUE(Str(yes).IsNumber()) << yes;
+  for (const char* no : {"", "+", "1.", "1e", "1x", "0x10", "-.e1", " 1"})
+    EXPECT_FALSE(Str(no).IsNumber()) << no;
 }
 
+// Compare is a prefix test, CompareRight a suffix test on a strictly longer text. The position
+// forms of Find store what they find in pos and leave it alone otherwise; -1 stands for the last
+// character in FindRight.
 TEST(Str, ComparisonAndSearch) {
-  Str abc("abc"), dir("phd_dir"), empty;
+  Str abc("abc"), dir("phd_dir"), e, s("abcb"), bNul;
+  bNul.Copy("b\0", 2);
+  ExpectFacts(Q(dir.Compare("phd"), true), Q(dir.Compare(""), true), Q(dir.Compare('p'), true),
+              Q(dir.Compare(Str("phd_dir/x")), false), Q(abc.Compare("c", 2), true),
+              Q(abc.Compare(Str("cd"), 2), false), Q(abc.Compare('b', 1), true),
+              Q(Str("/x/edit_dir/").CompareRight("edit_dir/"), true), Q(abc.CompareRight(""), true),
+              Q(abc.CompareRight(Str("bc")), true), Q(abc.CompareRight(Str("abc")), false),
+              Q(Str("dir/").CompareRight("dir/"), false), Q(abc.CompareRight('c'), true),
+              Q(e.CompareRight('\0'), false), Q(abc.Equals(Str("abc")), true),
+              Q(abc.Equals(Str("abd")), false), Q(abc < Str("abd"), true), Q(abc < abc, false),
+              Q(abc.IsLessThan(&dir), true), Q(dir.IsGreaterThan(&abc), true),
+              Q(abc.IsGreaterThan(&abc), false), Q(dir.Contains("_"), true),
+              Q(dir.Contains(Str("_d")), true), Q(dir.Contains(""), false),
+              Q(dir.Contains('_'), true), Q(dir.Contains('\0'), false),
+              Q(Str("hd").IsIn("phd"), true), Q(dir.IsIn("phd"), false), Q(s.Find("b"), 1L),
+              Q(s.Find(Str("cb")), 2L), Q(s.Find("abcbx"), -1L), Q(s.Find(""), 0L),
+              Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L), Q(Str("ab").Find(bNul), -1L),
+              Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L), Q(s.FindRight("abcbx"), -1L),
+              Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L), Q(s.FindRight('b'), 3L));
   EXPECT_THROW(abc.Compare("a", 3), const char*);
-  EXPECT_THROW(empty.Compare("", 0), const char*);  // a position test on "" always throws
-  EXPECT_EQ("1|1|1|0|0|1|1|0",
-            Join(dir.Compare("phd"), dir.Compare(""), dir.Compare('p'), dir.Compare("phd_dir/x"),
-                 empty.Compare('x'), abc.Compare("c", 2), abc.Compare('b', 1),
-                 abc.Compare(Str("cd"), 2)));
-  EXPECT_EQ("1|1|1|0|0|0|0", Join(Str("/x/edit_dir/").CompareRight("edit_dir/"),
-                                  abc.CompareRight(""), abc.CompareRight('c'),
-                                  Str("dir/").CompareRight("dir/"), abc.CompareRight(Str("abc")),
-                                  empty.CompareRight(""), empty.CompareRight('c')));  // longer only
-  EXPECT_EQ("1|0|1|0|1|0", Join(abc.Equals(Str("abc")), abc.Equals(Str("ab")), abc < Str("abd"),
-                                abc < abc, abc.IsLessThan(&dir), abc.IsGreaterThan(&abc)));
-  EXPECT_EQ("1|0|0|1|0|1|1|0",
-            Join(dir.Contains("_d"), dir.Contains("dirt"), dir.Contains(""), dir.Contains('_'),
-                 dir.Contains('\0'), empty.IsIn("x"), Str("hd").IsIn("phd"), dir.IsIn("phd")));
-
-  const Str s("abcb");
-  EXPECT_EQ("1|2|-1|0|4|-1", Join(s.Find("b"), s.Find(Str("cb")), s.Find("abcbx"), s.Find(""),
-                                  s.Find('\0'), s.Find('x')));
-  EXPECT_EQ("3|0|-1|3|-1|3", Join(s.FindRight("b"), s.FindRight(Str("ab")), s.FindRight("abcbx"),
-                                  s.FindRight(""), empty.FindRight(""), s.FindRight('b')));
-  // Found positions are stored, not stepped over; -1 means the last character for FindRight.
-  long a = 2, b = 4, c = 1, j = -1, d = -1, e = 2, f = 1, g = 4, h = -1, i = -1;
-  EXPECT_EQ("1|0|0|0|1|1|0|0|0|0",
-            Join(s.Find("b", a), s.Find(Str(""), b), s.Find('a', c), s.Find("b", j),
-                 s.FindRight("b", d), s.FindRight(Str("cb"), e), s.FindRight("cb", f),
-                 s.FindRight('b', g), s.FindRight("abcbx", h), empty.FindRight('x', i)));
-  EXPECT_EQ("3|4|1|-1|3|2|1|4|3|-1", Join(a, b, c, j, d, e, f, g, h, i));
+  EXPECT_THROW(e.Compare("", 0), const char*);  // a position test on "" always throws
+  long pos = 0;
+  Walk(STEP(s.Find("b", pos = 2), true), STEP(pos, 3L), STEP(s.Find(Str(""), pos = 4), false),
+       STEP(pos, 4L), STEP(s.Find('a', pos = 1), false), STEP(pos, 1L),
+       STEP(s.FindRight("b", pos = -1), true), STEP(pos, 3L),
+       STEP(s.FindRight(Str("cb"), pos = 2), true), STEP(pos, 2L),
+       STEP(s.FindRight("cb", pos = 1), false), STEP(pos, 1L),
+       STEP(s.FindRight('b', pos = 2), true), STEP(pos, 1L),
+       STEP(s.FindRight("abcbx", pos = -1), false), STEP(pos, 3L),
+       STEP(e.FindRight('x', pos = -1), false), STEP(pos, -1L));
 }
 
-TEST(Str, TakingAndAppendingParts) {
-  // Taking a part reuses a buffer that has room, or makes one that fits; appending doubles.
-  Check(
-      "abc", [](Str& s) { s.CopyLeft("xyz", 0); }, "xyz/4",
-      [](Str& s) { s.CopyRight(Str("wxyz"), 2); }, "yz/4",
-      [](Str& s) { s.CopyLeft(Str("wxyz"), 99); }, "wxyz/5",
-      [](Str& s) { s.CopyMid(Str("xyz"), 1, 0); }, "/4",
-      [](Str& s) { s.CopyMid(Str("xyz"), 3, 5); }, "/4", [](Str& s) { s.CopyMid("xyz", 1, 9); },
-      "yz/4", [](Str& s) { s.CopyMid(s, 1, 2); }, "bc/4", [](Str& s) { s.CopyEnd("xyz", 1); },
-      "yz/4", [](Str& s) { s.CopyMid("xy", 3, 1); }, kRange, [](Str& s) { s.CopyMid("xy", 9, -1); },
-      kInvalid, [](Str& s) { s.Append("xyz", 2); }, "abcxy/10",
-      [](Str& s) { s.Append(Str("xyz"), 1, 0); }, "abcyz/10", [](Str& s) { s.Append("xyz", 2, 7); },
-      "abcz/8", [](Str& s) { s.Append("xyz", 3, 1); }, "abc/4",
-      [](Str& s) { s.Append(Str("xyz"), 3, 1); }, kRange,
-      [](Str& s) { s.Append(Str("xy"), 9, -1); }, kInvalid,
-      [](Str& s) { s.AppendLine(2.5), s.AppendLine(); }, "abc2.5\n\n/14");
-  EXPECT_EQ("1|0|0|abcd/5|x/ab/5|1.5ab/6",
-            Join(Str("a\n").HasLineEnd(), Str().HasLineEnd(), Str("a\nb").HasLineEnd(),
-                 Shown(Str("ab") + Str("cd")), Shown("x/" + Str("ab")), Shown(1.5 + Str("ab"))));
+// Taking a part reuses a buffer that has room, or makes one that fits; appending, inserting and
+// overwriting double it; deleting never moves it. Counts of 0 take all for CopyLeft, CopyRight
+// and the ranges of Append; positions are checked before counts.
+TEST(Str, Editing) {
+  ExpectEdits(
+      "abc", EDIT(s.CopyLeft("xyz", 0), "xyz/4"), EDIT(s.CopyRight(Str("wxyz"), 2), "yz/4"),
+      EDIT(s.CopyMid(Str("xyz"), 1, 0), "/4"), EDIT(s.CopyMid(s, 1, 2), "bc/4"),
+      EDIT(s.CopyEnd("xyz", 1), "yz/4"), EDIT(s.CopyMid("xy", 3, 1), kRange),
+      EDIT(s.CopyMid("xy", 9, -1), kInvalid), EDIT(s.Append("xyz", 2), "abcxy/10"),
+      EDIT(s.Append(Str("xyz"), 1, 0), "abcyz/10"), EDIT(s.Append("xyz", 2, 7), "abcz/8"),
+      EDIT(s.Append(Str("xyz"), 3, 1), kRange),
+      EDIT(s.AppendLine(2.5); s.AppendLine(), "abc2.5\n\n/14"), EDIT(s.Insert('-', 3), "abc-/8"),
+      EDIT(s.Insert(Str("XY"), 1), "aXYbc/10"),
+      EDIT(s.SetLength(9); s.Insert(s.String() + 1, 0), "bcabc/10"), EDIT(s.Insert('-', 4), kRange),
+      EDIT(s.Replace("XYZ", 2), "abXYZ/10"), EDIT(s.Replace("XYZ", 1, 1), "aXc/4"),
+      EDIT(s.Replace(Str("XYZ"), 1, 9), "aXYZ/8"), EDIT(s.Replace(s, 2, 2), "abab/8"),
+      EDIT(s.Replace("X", 3), kRange), EDIT(s.ReplaceEnd("XY", 1), "aXY/4"),
+      EDIT(s.ReplaceEnd(42L, 3), "abc42/10"), EDIT(s.ReplaceEnd('X', 4), kRange),
+      EDIT(s.Delete(1), "ac/4"), EDIT(s.Delete(0, 2), "c/4"), EDIT(s.Delete(2, 3), "ab/4"),
+      EDIT(s.DeleteLeft(2), "c/4"), EDIT(s.DeleteRight(9), "/4"), EDIT(s.DeleteEnd(0), "/4"),
+      EDIT(s.Delete(3), kRange), EDIT(s.Delete(9, -1), kInvalid),
+      EDIT(delete[] s.CopyToChar(-1L), kInvalid), EDIT(s.StringCopy(nullptr, 1, 3L, true), kRange));
+  ExpectEdits(" \t A-z \n", EDIT(s.RemoveEndSpaces(), "A-z/9"),
+              EDIT(s.RemoveLeftSpaces(), "A-z \n/9"), EDIT(s.UpperCase(), " \t A-Z \n/9"),
+              EDIT(s.LowerCase(), " \t a-z \n/9"), EDIT(s.Reverse(), "\n z-A \t /9"));
+  ExpectEdits("\f\v\r ", EDIT(s.RemoveRightSpaces(), "/5"), EDIT(s.Fill('x'), "xxxx/5"),
+              EDIT(s.Fill('-', 5), "-----/10"), EDIT(s.Fill('x', -1), kInvalid));
   const Str x("abcdef");
-  auto owned = [](char* array) { return std::string(std::unique_ptr<char[]>(array).get()); };
-  EXPECT_EQ("abcdef|ab||cde|ef",
-            Join(owned(x.CopyToChar()), owned(x.CopyToChar(2L)), owned(x.CopyToChar(0L)),
-                 owned(x.CopyToChar(2L, 3L)), owned(x.CopyToChar(4L, 0L))));
   char dest[8] = "#######";
-  EXPECT_EQ(dest + 5, x.StringCopy(x.StringCopy(dest, 3, true), 9, 4L, true));
-  EXPECT_EQ(dest, x.StringCopy(dest, 0, 5L, false));  // no terminator, and dest is answered
-  EXPECT_STREQ("fbcef", dest);
+  ExpectFacts(Q(Str("a\n").HasLineEnd(), true), Q(Str("a\nb").HasLineEnd(), false),
+              Q("x/" + Str("ab"), "x/ab/5"), Q(1.5 + Str("ab"), "1.5ab/6"),
+              Q(std::unique_ptr<char[]>(x.CopyToChar(2L)).get(), "ab"),
+              Q(std::unique_ptr<char[]>(x.CopyToChar(4L, 0L)).get(), "ef"));
+  EXPECT_EQ(x.StringCopy(dest + 3, 9, 4L, true), dest + 5);  // with a terminator: where it is
+  EXPECT_EQ(x.StringCopy(dest, 0, 3L, false), dest);         // without one: dest itself
+  EXPECT_STREQ(dest, "defef");
 }
 
-TEST(Str, EditingInPlace) {
-  Check(
-      "abc", [](Str& s) { s.Insert('-', 3); }, "abc-/8",
-      [](Str& s) { s.SetLength(9), s.Insert(s.String() + 1, 0); }, "bcabc/10",
-      [](Str& s) { s.Insert('-', 4); }, kRange, [](Str& s) { s.Replace("XYZ", 2); }, "abXYZ/10",
-      [](Str& s) { s.Replace('Z', 1); }, "aZc/4", [](Str& s) { s.Replace("XYZ", 1, 1); }, "aXc/4",
-      [](Str& s) { s.Replace(Str("XYZ"), 1, 9); }, "aXYZ/8", [](Str& s) { s.Replace(s, 2, 2); },
-      "abab/8", [](Str& s) { s.Replace("X", 3); }, kRange,
-      [](Str& s) { s.Replace(Str("x"), 9, -1); }, kInvalid, [](Str& s) { s.ReplaceEnd("XY", 1); },
-      "aXY/4", [](Str& s) { s.ReplaceEnd(42L, 3); }, "abc42/10",
-      [](Str& s) { s.ReplaceEnd('X', 4); }, kRange, [](Str& s) { s.Delete(1); }, "ac/4",
-      [](Str& s) { s.Delete(0, 2); }, "c/4", [](Str& s) { s.Delete(2, 3); }, "ab/4",
-      [](Str& s) { s.DeleteLeft(2); }, "c/4", [](Str& s) { s.DeleteLeft(9); }, "/4",
-      [](Str& s) { s.DeleteRight(2); }, "a/4", [](Str& s) { s.DeleteRight(9); }, "/4",
-      [](Str& s) { s.DeleteEnd(0); }, "/4", [](Str& s) { s.Delete(3); }, kRange,
-      [](Str& s) { s.Delete(-1, 1); }, kRange, [](Str& s) { s.Delete(9, -1); }, kInvalid,
-      [](Str& s) { s.DeleteRight(-1); }, kInvalid, [](Str& s) { s.DeleteEnd(3); }, kRange,
-      [](Str& s) { delete[] s.CopyToChar(-1L); }, kInvalid,
-      [](Str& s) { delete[] s.CopyToChar(3L, 1L); }, kRange,
-      [](Str& s) { s.StringCopy(nullptr, 1, 3L, true); }, kRange);
-  Check(
-      " \t A-z \n", [](Str& s) { s.RemoveEndSpaces(); }, "A-z/9",
-      [](Str& s) { s.RemoveLeftSpaces(); }, "A-z \n/9", [](Str& s) { s.RemoveRightSpaces(); },
-      " \t A-z/9", [](Str& s) { s.UpperCase(); }, " \t A-Z \n/9", [](Str& s) { s.LowerCase(); },
-      " \t a-z \n/9", [](Str& s) { s.Reverse(); }, "\n z-A \t /9");
-  Check(
-      "\f\v\r ", [](Str& s) { s.RemoveRightSpaces(); }, "/5", [](Str& s) { s.Fill('x'); }, "xxxx/5",
-      [](Str& s) { s.Fill('+', 2); }, "++/5", [](Str& s) { s.Fill('-', 5); }, "-----/10",
-      [](Str& s) { s.Fill('x', -1); }, kInvalid);
+// Only upper-case format letters count; "J" consumes the letter behind it, and the later of "A"
+// and "J" wins. "P" cuts, "R" first moves half a unit away from zero, "F" gives fixed decimals;
+// an "A" column lines the points up, and past the field's end the value ends there instead.
+// AppendField places the value as if the whole text were the field.
+TEST(Str, Fields) {
+  ExpectFacts(Q(Field("ab", 5, "JR"), "   ab"), Q(Field("ab", 6, "F*JC"), "**ab**"),
+              Q(Field("ab", 5, "A3P1RS"), "ab   "), Q(Field("abcdef", 3, "JR"), "abcdef"),
+              Q(Field('x', 4, "JCF."), "..x."), Q(Field(-42L, 6, "JRF0"), "-00042"),
+              Q(Field(-42L, 6, "JR"), "   -42"), Q(Field(7L, 4, "S"), "+7  "),
+              Q(Field(42L, 6, "F0"), "42.000"), Q(Field(7L, 4, "A5JC"), "  7 "),
+              Q(Field(7L, 4, "jr s"), "7   "), Q(Field(2.675, 0, "P2"), "2.67"),
+              Q(Field(2.675, 0, "P2R"), "2.68"), Q(Field(1.044, 0, "P2R"), "1.04"),
+              Q(Field(-0.25, 0, "P1R"), "-0.3"), Q(Field(2.5, 0, "SP3"), "+2.5"),
+              Q(Field(2.5, 4, "JR"), " 2.5"), Q(Field(-2.5, 7, "JRF0"), "-0002.5"),
+              Q(Field(3.5, 8, "A4"), "   3.5  "), Q(Field(12345.5, 8, "A2"), "12345.5 "),
+              Q(Field(1.5, 4, "A10"), " 1.5"), Q(Field(7L, 4, "JR", true), "ab   7"),
+              Q(Field("xy", 4, nullptr, true), "xy    "), Q(Field('x', 3, "JC", true), "abx  "),
+              Q(Field(-4L, 3, "JRF0", true), "-b004"));
+  ExpectEdits("ab", EDIT(s.CopyField(&s, 5, "JR"), "   ab/6"),
+              EDIT(s.Clear(); s.AppendField(42L, 3, "JR"); s.AppendField(s, 4, "JR"), " 42  42/14"),
+              EDIT(s.Justify(5, true), "   ab/6"), EDIT(s.Justify(5, false), "ab   /6"),
+              EDIT(s.SetLength(1024); s.Justify(4, true); s.Justify(6, false), "  ab  /1025"),
+              EDIT(s.CopyField("ab", -1, nullptr), kInvalid), EDIT(s.Justify(-1, true), kInvalid));
 }
 
-TEST(Str, TokensCarryTheirSeparator) {
-  // CopyToken doubles like Append; for one character that is 4 bytes when the size is below 3.
-  Check(
-      "", [](Str& s) { s.AppendToken('A'), s.AppendToken(59L), s.AppendLine(12L); }, "A 59 12\n/10",
-      [](Str& s) { s.CopyToken("x", ';'), s.AppendToken("y", ';'); }, "x;y;/8",
-      [](Str& s) { s.CopyToken('x'), s.AppendToken(-2.5, ','); }, "x -2.5,/14");
-  Check(
-      "ab", [](Str& s) { s.CopyToken('x', ';'); }, "x;/3", [](Str& s) { s.CopyToken(s); }, "ab /6",
-      [](Str& s) { s.SetLength(1024), s.CopyToken(-12L); }, "-12 /1025");
-}
-
-TEST(Str, FieldsAndJustification) {
-  // Only upper-case format letters count; "J" consumes the letter behind it and the later of "A"
-  // and "J" wins.
-  EXPECT_EQ("   ab|  ab |ab   |**ab**|ab   |abcdef|x|..x.",
-            Join(Field("ab", 5, "JR"), Field("ab", 5, "JC"), Field("ab", 5, nullptr),
-                 Field("ab", 6, "F*JC"), Field("ab", 5, "A3P1RS"), Field("abcdef", 3, "JR"),
-                 Field('x', 0, "JR"), Field('x', 4, "JCF.")));
-  EXPECT_EQ(
-      "-00042|   -42|+7  |42.000|+42|  0 |7    |7   |  7 |7   |7  ",
-      Join(Field(-42L, 6, "JRF0"), Field(-42L, 6, "JR"), Field(7L, 4, "S"), Field(42L, 6, "F0"),
-           Field(42L, 2, "S"), Field(0L, 4, "JC"), Field(7L, 5, "A3P2"), Field(7L, 4, "JS"),
-           Field(7L, 4, "A5JC"), Field(7L, 4, "jr s"), Field(7L, 3, "xF")));
-  // "P" cuts, "R" first moves half a unit away from zero; "F" gives fixed decimals.
-  EXPECT_EQ("3.14|2.67|2.68|-0.3|+2.5|3.14159|2.000|2.5000|-0002.5",
-            Join(Field(3.14159, 0, "P2"), Field(2.675, 0, "P2"), Field(2.675, 0, "P2R"),
-                 Field(-0.25, 0, "P1R"), Field(2.5, 0, "SP3"),
-                 Field(3.14159, 0, "P99999999999999999999999"), Field(2.0, 5, "F0"),
-                 Field(2.5, 6, "F0"), Field(-2.5, 7, "JRF0")));
-  // An "A" column lines the points up; past the field's end the value ends there instead.
-  EXPECT_EQ("   3.5  | 123.25 |12345.5 |-1.5  | 1.5",
-            Join(Field(3.5, 8, "A4"), Field(123.25, 8, "A4"), Field(12345.5, 8, "A2"),
-                 Field(-1.5, 6, "A2"), Field(1.5, 4, "A10")));
-  // AppendField places the value as if the whole text were the field.
-  EXPECT_EQ("ab   7|ab   2.5|xy    |abx  |-b004|abwxyz|wxyz**",
-            Join(Field(7L, 4, "JR", "ab"), Field(2.5, 6, "JR", "ab"), Field("xy", 4, nullptr, "ab"),
-                 Field('x', 3, "JC", "ab"), Field(-4L, 3, "JRF0", "ab"),
-                 Field("wxyz", 2, "JR", "ab"), Field("wxyz", 2, "F*", "ab")));
-  Check(
-      "ab", [](Str& s) { s.CopyField(&s, 5, "JR"); }, "   ab/6",
-      [](Str& s) { s.Clear(), s.AppendField(42L, 3, "JR"), s.AppendField(s, 4, "JR"); },
-      " 42  42/14", [](Str& s) { s.Justify(5, true); }, "   ab/6",
-      [](Str& s) { s.Justify(5, false); }, "ab   /6",
-      [](Str& s) { s.Justify(1, true), s.Justify(2, false); }, "ab/3",
-      [](Str& s) { s.SetLength(1024), s.Justify(4, true), s.Justify(6, false); }, "  ab  /1025",
-      [](Str& s) { s.CopyField("ab", -1, nullptr); }, kInvalid,
-      [](Str& s) { s.AppendField(2.5, -3, "F0"); }, kInvalid, [](Str& s) { s.Justify(-1, true); },
-      kInvalid);
-}
-
-TEST(Str, HexadecimalTextAndStreams) {
-  // Negative values are divided toward zero, not shown in two's complement.
-  EXPECT_EQ("0x00FF|0|0x0|1A2B3C|F|FF|0x00F0|0x8000000000000000|0x7FFFFFFFFFFFFFFF",
-            Join(Hex(255, 4, true), Hex(0, 0, false), Hex(0, -3, true), Hex(0x1A2B3C, 2, false),
-                 Hex(-1, 1, false), Hex(-17, 0, false), Hex(-16, 4, true), Hex(LONG_MIN, 1, true),
-                 Hex(LONG_MAX, 1, true)));
-  EXPECT_EQ("0x" + std::string(98, '0') + "FF", Hex(255, 100, true));
-  EXPECT_EQ("31|0|255|2748|0|0|9223372036854775807",
-            Join(Str("0x1f").ToHex(), Str("0X1F").ToHex(), Str("ff zz").ToHex(), Str("AbC").ToHex(),
-                 Str("0x").ToHex(), Str("g1").ToHex(), Str("0x7fffffffffffffff").ToHex()));
-
-  std::istringstream in("first line\n\nlast"), ten("abcdefghij");
-  std::ostringstream out;
-  Str a("old"), b("old"), c, d("old"), grown;
-  in >> a >> b >> c >> d;  // the stream ends inside the third line
-  ten >> grown;            // the buffer doubles: 1, 2, 4, 8, 16
-  out << Str("a b") << Str("") << '|';
-  EXPECT_EQ("first line||last||abcdefghij/16|a b|", Join(a, b, c, d, Shown(grown), out.str()));
+// Hexadecimal text in both directions; negative values are divided toward zero, not shown in
+// two's complement.
+TEST(Str, HexadecimalText) {
+  ExpectEdits("", EDIT(s.HexToString(255, 4, true), "0x00FF/7"),
+              EDIT(s.HexToString(-17, 0, false), "FF/3"),
+              EDIT(s.HexToString(LONG_MIN, 1, true), "0x8000000000000000/19"));
+  ExpectFacts(Q(Str("0x1f").ToHex(), 31L), Q(Str("0X1F").ToHex(), 0L),
+              Q(Str("ff zz").ToHex(), 255L), Q(Str("AbC").ToHex(), 2748L));
 }

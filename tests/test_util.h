@@ -1,48 +1,91 @@
-// Shared test helpers: a scoped temporary directory, whole files, and a program runner.
+// What the tests share: a scoped temporary directory and whole files, the program run as a
+// process, a plain model of the chromatogram files, and rows of facts and walks named by their
+// own code, so that a failure says which case failed.
 #ifndef SYNTHCALL_TESTS_TEST_UTIL_H
 #define SYNTHCALL_TESTS_TEST_UTIL_H
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <string>
 #include <vector>
 
-namespace testutil {
+#include "toolkit/fileio.h"
 
-// A fresh directory under $TMPDIR (or /tmp), removed with everything in it on destruction.
-class TempDir {
- public:
+// A fresh directory under $TMPDIR (or /tmp), removed with everything in it on destruction, also
+// below sub-directories that a test made unreadable.
+struct TempDir {
   TempDir();
   ~TempDir();
   TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-  const std::string& path() const { return path_; }
-  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
+  std::string operator/(const std::string& name) const { return path + "/" + name; }
+  std::string path;
 };
 
 std::string ReadFile(const std::string& path);  // the whole file; "" when missing
 void WriteFile(const std::string& path, const std::string& bytes);
-bool Exists(const std::string& path);
-unsigned FileMode(const std::string& path);  // permission bits, e.g. 0664
+int FileMode(const std::string& path);  // permission bits, e.g. 0664
 void MakeDir(const std::string& path, unsigned mode = 0775);
 
 struct RunResult {
-  std::string out;
-  std::string err;
+  std::string out, err;
   int status = -1;  // exit code, or -1 when killed by a signal
   int signal = 0;   // the signal that ended the process, if any
 };
 
-// Runs `program` with `args` (argv[1]...) in `directory` (when not empty), with the test's own
-// environment but each "NAME=value" of `env` set and each bare "NAME" removed, in that order.
-// Standard input is /dev/null; the umask is 002.
-RunResult Run(const std::string& program, const std::vector<std::string>& args,
-              const std::string& directory = "", const std::vector<std::string>& env = {});
+// Runs the synthcall binary with `args` (argv[1]...) in `directory`, with the test's own
+// environment but each "NAME=value" of `env` set and each bare "NAME" removed. Standard input is
+// /dev/null; the umask is 002.
+RunResult RunProgram(const std::vector<std::string>& args, const std::string& directory,
+                     const std::vector<std::string>& env = {});
 
-// The synthcall binary under test.
-inline std::string Binary() { return SYNTHCALL_BINARY; }
+// The chromatogram of a clean sequence, drawn the plain way: the whole trace into arrays, one
+// 13-point peak per base at a moving cursor, then the file laid out field by field. It shares no
+// code or table with the streaming writers, so a slip in their precomputed slots shows up as a
+// byte difference.
+std::string ModelChromat(const std::string& clean, bool abif);
 
-}  // namespace testutil
+// A value as text for comparison: a Str as "text/size" (the size is what the growth rules decide;
+// its length must agree with its terminator), a list as "[a][b]", bools as words.
+std::string Shown(const Str& s);
+std::string Shown(const std::vector<std::string>& items);
+inline std::string Shown(const std::string& text) { return text; }
+inline std::string Shown(const char* text) { return text; }
+inline std::string Shown(bool b) { return b ? "true" : "false"; }
+inline std::string Shown(int n) { return std::to_string(n); }
+inline std::string Shown(long n) { return std::to_string(n); }
+inline std::string Shown(char c) { return std::string(1, c); }
+inline std::string Text(const Str& s) { return std::string(s.String(), s.Length()); }
+
+// Q(s.Find("b"), 1L) expects s.Find("b") to show as "1", and names the fact by its code. The
+// facts of one ExpectFacts are evaluated in no fixed order, so none of them may change anything.
+struct Fact {
+  const char* code;
+  std::string got, want;
+};
+#define Q(expression, want) \
+  Fact { #expression, Shown(expression), Shown(want) }
+
+template <class... Facts>
+void ExpectFacts(const Facts&... facts) {
+  for (const Fact& f : {facts...}) EXPECT_EQ(f.got, f.want) << f.code;
+}
+
+// A walk: steps taken in order on objects in the test's scope, each named by its own code and
+// held to the answer it must give; a DO step answers nothing.
+struct Step {
+  const char* code;
+  std::function<std::string()> run;
+  std::string want;
+};
+// clang-format off
+#define STEP(code, want) Step{#code, [&] { return Shown(code); }, Shown(want)}
+#define DO(code) Step{#code, [&] { code; return std::string(); }, ""}
+// clang-format on
+
+template <class... Steps>
+void Walk(const Steps&... steps) {
+  for (const Step& step : {steps...}) EXPECT_EQ(step.run(), step.want) << step.code;
+}
 
 #endif  // SYNTHCALL_TESTS_TEST_UTIL_H

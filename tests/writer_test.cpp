@@ -1,17 +1,16 @@
 // What a process run cannot show: the value thrown. Everything the Writer writes is compared byte
 // for byte by the end-to-end tests, which see this throw only as an abort.
 #include "app/writer.h"
-
-#include <stdlib.h>
+#include "app/block_writer.h"
+#include "app/position_line.h"
 
 #include <sstream>
 
-#include "gtest/gtest.h"
 #include "test_util.h"
 
 TEST(Writer, MissingPolyDirThrowsOneBeforeAnyOutput) {
-  testutil::TempDir temp;
-  for (const char* dir : {"edit_dir", "chromat_dir", "phd_dir"}) testutil::MakeDir(temp / dir);
+  TempDir temp;
+  for (const char* dir : {"edit_dir", "chromat_dir", "phd_dir"}) MakeDir(temp / dir);
   setenv("PWD", (temp / "edit_dir").c_str(), 1);
   std::ostringstream out, err;
   Writer writer(out, err);
@@ -22,5 +21,76 @@ TEST(Writer, MissingPolyDirThrowsOneBeforeAnyOutput) {
     thrown = value;
   }
   EXPECT_EQ(thrown, 1);
-  EXPECT_EQ(out.str() + err.str(), "");
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(err.str(), "");
+}
+
+// What a block of `bytes` holds after `fill`, once flushed and the file closed.
+namespace {
+
+template <typename Fill>
+std::string Written(long bytes, Fill fill) {
+  TempDir dir;
+  FileWriter file(16);
+  EXPECT_TRUE(file.Open((dir / "out").c_str()));
+  file.Append("<");  // pending in the file's own buffer, and first in the file
+  BlockWriter block(file, bytes);
+  fill(block);
+  block.Flush();
+  file.Close();
+  EXPECT_FALSE(file.Failed());
+  return ReadFile(dir / "out");
+}
+
+}  // namespace
+
+// Pieces of every kind reach the file whole and in order across the ends of the smallest block:
+// copies, fills, and pieces stored in place, also one larger than any block.
+TEST(BlockWriter, PiecesReachTheFileInOrderAcrossBlockEnds) {
+  const std::string text(BlockWriter::kMinSize + 5, 'x');
+  std::string pieces;
+  for (long k = 0; k < 3000; ++k) pieces += std::to_string(k) + ",";
+  const std::string written = Written(0, [&](BlockWriter& block) {
+    block.Put(text.data(), static_cast<long>(text.size()));
+    block.Fill('-', BlockWriter::kMinSize);
+    block.PutEach(3000, 8, [](unsigned char* at, long k) {
+      const std::string piece = std::to_string(k) + ",";
+      std::memcpy(at, piece.data(), piece.size());
+      return at + piece.size();
+    });
+    block.PutEach(1, BlockWriter::kMinSize + 1, [](unsigned char* at, long) {
+      std::memset(at, '=', BlockWriter::kMinSize + 1);
+      return at + BlockWriter::kMinSize + 1;
+    });
+  });
+  EXPECT_EQ(written, "<" + text + std::string(BlockWriter::kMinSize, '-') + pieces +
+                         std::string(BlockWriter::kMinSize + 1, '='));
+}
+
+// Every line is the one formatted field by field, through each change of the position's width
+// up to seven digits, for lines within one move and longer; Store never touches more than the
+// capacity, which stays what it was.
+TEST(PositionLine, LinesMatchFieldByField) {
+  const std::string longQuality = " " + std::string(40, '0') + "59 ";
+  const struct {
+    std::string before, after;
+  } cases[] = {
+      {" 59 ", "\n"},
+      {" ", " 300000 1 N  -1  -1 -1 "},
+      {longQuality, "\n"},
+  };
+  for (const auto& c : cases) {
+    PositionLine line(c.before.c_str(), c.after.c_str());
+    const long capacity = line.Capacity();
+    std::vector<unsigned char> block(capacity + 1, 0xEE);  // the last byte stays untouched
+    for (long i = 0; i < 100000; ++i, line.Advance()) {
+      const char base = "ACGTN"[i % 5];
+      const unsigned char* end = line.Store(block.data(), base);
+      const std::string expected = base + c.before + std::to_string(12 * (i + 1)) + c.after;
+      ASSERT_EQ(std::string(reinterpret_cast<const char*>(block.data()), end - block.data()),
+                expected);
+      ASSERT_EQ(block.back(), 0xEE) << expected;
+    }
+    EXPECT_EQ(line.Capacity(), capacity);
+  }
 }

@@ -1,0 +1,62 @@
+// What the fuzz targets share.
+//
+// FUZZ_CHECK stops the run with a message when a property of the code under test does not hold,
+// so that libFuzzer keeps the input as a crash.
+//
+// ScratchTree() is the project tree of the targets that run the program in-process: made on
+// first use in a fresh directory (on /dev/shm when there is one, so that the many small files
+// cost no disk) and reused by every execution, each run overwriting the files of the last. The
+// working directory and PWD are its edit_dir/; it is removed at exit. Record names and reference
+// suffixes become file names, so the targets take their input through KeepInTree, which replaces
+// every '/', and call TidyTree after each run, which every thousandth time empties the output
+// directories, so that the names of many inputs do not pile up.
+#ifndef SYNTHCALL_FUZZ_FUZZ_SUPPORT_H
+#define SYNTHCALL_FUZZ_FUZZ_SUPPORT_H
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#define FUZZ_CHECK(condition)                                                            \
+  do {                                                                                   \
+    if (!(condition)) {                                                                  \
+      std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); \
+      std::abort();                                                                      \
+    }                                                                                    \
+  } while (false)
+
+inline const std::string& ScratchTree() {
+  static const std::string root = [] {
+    std::string path =
+        access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
+    path += "/synthcall-fuzz-XXXXXX";
+    FUZZ_CHECK(mkdtemp(path.data()) != nullptr);
+    for (const char* dir : {"/edit_dir", "/chromat_dir", "/phd_dir", "/poly_dir"})
+      std::filesystem::create_directory(path + dir);
+    FUZZ_CHECK(chdir((path + "/edit_dir/").c_str()) == 0);
+    setenv("PWD", (path + "/edit_dir/").c_str(), 1);
+    std::atexit([] { std::filesystem::remove_all(ScratchTree()); });
+    return path;
+  }();
+  return root;
+}
+
+inline void TidyTree() {
+  static long runs = 0;
+  if (++runs % 1000 != 0) return;
+  for (const char* dir : {"/chromat_dir", "/phd_dir", "/poly_dir"})
+    for (const auto& file : std::filesystem::directory_iterator(ScratchTree() + dir))
+      std::filesystem::remove(file);
+}
+
+inline std::string KeepInTree(const uint8_t* data, size_t size) {
+  std::string text(reinterpret_cast<const char*>(data), size);
+  std::replace(text.begin(), text.end(), '/', '_');
+  return text;
+}
+
+#endif  // SYNTHCALL_FUZZ_FUZZ_SUPPORT_H
