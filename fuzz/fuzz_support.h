@@ -29,8 +29,10 @@
     }                                                                                    \
   } while (false)
 
+// The path lives on the heap and is never destroyed: the exit handler that removes the tree runs
+// after the static objects constructed before it have gone.
 inline const std::string& ScratchTree() {
-  static const std::string root = [] {
+  static const std::string& root = *new std::string([] {
     std::string path =
         access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
     path += "/synthcall-fuzz-XXXXXX";
@@ -41,7 +43,7 @@ inline const std::string& ScratchTree() {
     setenv("PWD", (path + "/edit_dir/").c_str(), 1);
     std::atexit([] { std::filesystem::remove_all(ScratchTree()); });
     return path;
-  }();
+  }());
   return root;
 }
 
