@@ -73,7 +73,8 @@ TEST(Str, ConstructionAccessAndGrowth) {
   ExpectEdits("", EDIT(s.Append('a'), "a/2"),
               EDIT(s << "n=" << 3L << ' ' << 0.25 << &s, "n=3 0.25n=3 0.25/32"),
               EDIT(s.AppendToken('A'); s.AppendToken(59L); s.AppendLine(12L), "A 59 12\n/10"),
-              EDIT(s.CopyToken('x'); s.AppendToken(-2.5, ','), "x -2.5,/14"));
+              EDIT(s.CopyToken('x'); s.AppendToken(-2.5, ','), "x -2.5,/14"),
+              EDIT(s.AppendToken('B', ','), "B,/4"));
   ExpectEdits("ab", EDIT(s.Append('c'), "abc/6"), EDIT(s.SetLength(9); s.Append('c'), "abc/10"),
               EDIT(s += s, "abab/5"), EDIT(s.Copy("abcdef", -1), kInvalid),
               EDIT(s.Copy("abcdef", 0), "/3"), EDIT(s.AppendBytes("x", LONG_MAX), kAlloc),
@@ -159,7 +160,7 @@ TEST(Str, Editing) {
       EDIT(s.Append(Str("xyz"), 1, 0), "abcyz/10"), EDIT(s.Append("xyz", 2, 7), "abcz/8"),
       EDIT(s.Append(Str("xyz"), 3, 1), kRange),
       EDIT(s.AppendLine(2.5); s.AppendLine(), "abc2.5\n\n/14"), EDIT(s.Insert('-', 3), "abc-/8"),
-      EDIT(s.Insert(Str("XY"), 1), "aXYbc/10"),
+      EDIT(s.Insert(Str("XY"), 1), "aXYbc/10"), EDIT(s.InsertLeft('-'), "-abc/8"),
       EDIT(s.SetLength(9); s.Insert(s.String() + 1, 0), "bcabc/10"), EDIT(s.Insert('-', 4), kRange),
       EDIT(s.Replace("XYZ", 2), "abXYZ/10"), EDIT(s.Replace("XYZ", 1, 1), "aXc/4"),
       EDIT(s.Replace(Str("XYZ"), 1, 9), "aXYZ/8"), EDIT(s.Replace(s, 2, 2), "abab/8"),
@@ -217,5 +218,6 @@ TEST(Str, HexadecimalText) {
               EDIT(s.HexToString(-17, 0, false), "FF/3"),
               EDIT(s.HexToString(LONG_MIN, 1, true), "0x8000000000000000/19"));
   ExpectFacts(Q(Str("0x1f").ToHex(), 31L), Q(Str("0X1F").ToHex(), 0L),
-              Q(Str("ff zz").ToHex(), 255L), Q(Str("AbC").ToHex(), 2748L));
+              Q(Str("ff zz").ToHex(), 255L), Q(Str("AbC").ToHex(), 2748L),
+              Q(Str("F0").ToHex(), 240L));
 }
