@@ -36,6 +36,7 @@ TEST(SList, CursorInsertingAndRemoving) {
        DO(other.Append(abc, 2)), DO(l.SetPosition(6)), DO(l.Insert(other)),
        STEP(Texts(l), "[z][a][b][c][a][c][a][b][z]"), STEP(l.GetPosition(), 8L),
        STEP(other.Count(), 0L), DO(other.Copy(abc, 2)), DO(other.Append(other)),
+       STEP(Texts(other), "[a][b][a][b]"), DO(other.Insert(other)),  // into itself: nothing
        STEP(Texts(other), "[a][b][a][b]"), DO(l.SetPosition(1)),
        STEP(Name(l.Replace(&z, 9)), "null"), STEP(Name(l.Replace(&z, 2)), "b"),
        STEP(Name(l.Remove(0)), "z"), STEP(Name(l.Get()), "a"), DO(l.Begin(8)),
