@@ -41,16 +41,20 @@ void ReadRecords(FileReader& input, Writer& writer, bool reference) {
 }  // namespace
 
 int RunFasta(const Str& path, const RunOptions& options, std::ostream& out, std::ostream& err) {
-  FileReader input;
   Writer writer(out, err);
   // The project tree is examined, and may end the run, before the input is looked at.
   writer.SetFiles(options.quality, options.suffix, options.Reference(), options.abi);
+  return WriteRecords(path, writer);
+}
+
+int WriteRecords(const Str& path, Writer& writer) {
+  FileReader input;
   if (!input.Open(path)) {
-    err << kCannotOpen << path << std::endl;
+    writer.Errors() << kCannotOpen << path << std::endl;
     return 0;
   }
-  ReadRecords(input, writer, options.Reference());
+  ReadRecords(input, writer, writer.ReferenceSet());
   input.Close();
-  out << std::endl;
+  writer.Progress() << std::endl;
   return 0;
 }

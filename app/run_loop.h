@@ -13,4 +13,9 @@
 // before the input is opened, when poly_dir/ cannot be used.
 int RunFasta(const Str& path, const RunOptions& options, std::ostream& out, std::ostream& err);
 
+// The part of a run after the Writer's files are settled (Writer::SetFiles): reads `path` and
+// writes its records with `writer`, on whose streams it reports. A caller that keeps its Writer
+// can so run many inputs in one process, as the fuzz target does.
+int WriteRecords(const Str& path, Writer& writer);
+
 #endif  // SYNTHCALL_APP_RUN_LOOP_H

@@ -45,6 +45,10 @@ class Writer {
   // Writes the files of one record. In reference mode the suffix is appended to `name` itself.
   void WriteFiles(Str& name, const Str& sequence);
 
+  bool ReferenceSet() const { return referenceSet; }
+  std::ostream& Progress() const { return out; }
+  std::ostream& Errors() const { return err; }
+
  private:
   FileWriter file;
   Str chromatDir;  // each ends in '/', or is the project root when the directory is unusable

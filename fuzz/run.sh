@@ -28,6 +28,9 @@ if [ ${#targets[@]} = 0 ]; then
 fi
 
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}
+# A 16 MiB quarantine still holds the freed blocks of many executions (a use after free is
+# caught), and keeps each target near 80 MiB instead of 300 MiB, recycling warm memory.
+export ASAN_OPTIONS=${ASAN_OPTIONS:-quarantine_size_mb=16}
 
 # Replays, then fuzzes one target; leaves its result line in $build/<target>.result.
 fuzz_one() {
