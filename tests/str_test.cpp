@@ -188,8 +188,8 @@ TEST(Str, Editing) {
 
 // Only upper-case format letters count; "J" consumes the letter behind it, and the later of "A"
 // and "J" wins. "P" cuts, "R" first moves half a unit away from zero, "F" gives fixed decimals;
-// an "A" column lines the points up, and past the field's end the value ends there instead.
-// AppendField places the value as if the whole text were the field.
+// an "A" column lines up the points of doubles (integers ignore it), and past the field's end
+// the value ends there instead. AppendField places the value as if the whole text were the field.
 TEST(Str, Fields) {
   ExpectFacts(Q(Field("ab", 5, "JR"), "   ab"), Q(Field("ab", 6, "F*JC"), "**ab**"),
               Q(Field("ab", 5, "A3P1RS"), "ab   "), Q(Field("abcdef", 3, "JR"), "abcdef"),
@@ -203,7 +203,7 @@ TEST(Str, Fields) {
               Q(Field(3.5, 8, "A4"), "   3.5  "), Q(Field(12345.5, 8, "A2"), "12345.5 "),
               Q(Field(1.5, 4, "A10"), " 1.5"), Q(Field(7L, 4, "JR", true), "ab   7"),
               Q(Field("xy", 4, nullptr, true), "xy    "), Q(Field('x', 3, "JC", true), "abx  "),
-              Q(Field(-4L, 3, "JRF0", true), "-b004"));
+              Q(Field(-4L, 3, "JRF0", true), "-b004"), Q(Field(7L, 4, "A2", true), "7b    "));
   ExpectEdits("ab", EDIT(s.CopyField(&s, 5, "JR"), "   ab/6"),
               EDIT(s.Clear(); s.AppendField(42L, 3, "JR"); s.AppendField(s, 4, "JR"), " 42  42/14"),
               EDIT(s.Justify(5, true), "   ab/6"), EDIT(s.Justify(5, false), "ab   /6"),
