@@ -3,6 +3,7 @@
 // what it leaves ("text/size") or the message it throws; Q expects the value of an expression.
 #include <climits>
 #include <cmath>
+#include <sstream>
 
 #include "test_util.h"
 
@@ -63,6 +64,9 @@ TEST(Str, ConstructionAccessAndGrowth) {
               Q(text == "aXc", true), Q(text == "aX", false), Q(Str(" a").HasContent(), true),
               Q(Str(" \t\n\v\f\r").HasContent(), false), Q(Str(" -42abc").ToInteger(), -42));
   EXPECT_THROW(Str huge(LONG_MAX), const char*);
+  std::istringstream lines("first line\nx");  // a line read from a stream replaces the text
+  Str line("old");
+  Walk(DO(lines >> line), STEP(line, "first line/16"), DO(lines >> line), STEP(line, "x/16"));
   ExpectEdits("abc", EDIT(s.SetLength(10), "abc/11"), EDIT(s.SetLength(10); s.SetSize(), "abc/4"),
               EDIT(s.SetSize(3), "ab/3"), EDIT(s.SetSize(1), "/1"), EDIT(s.SetSize(0), kInvalid),
               EDIT(s.Get(3), kRange), EDIT(s.Get(-1), kRange),
@@ -133,8 +137,9 @@ TEST(Str, ComparisonAndSearch) {
               Q(Str("hd").IsIn("phd"), true), Q(dir.IsIn("phd"), false), Q(s.Find("b"), 1L),
               Q(s.Find(Str("cb")), 2L), Q(s.Find("abcbx"), -1L), Q(s.Find(""), 0L),
               Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L), Q(Str("ab").Find(bNul), -1L),
-              Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L), Q(s.FindRight("abcbx"), -1L),
-              Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L), Q(s.FindRight('b'), 3L));
+              Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L), Q(s.FindRight(Str("b")), 3L),
+              Q(s.FindRight("abcbx"), -1L), Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L),
+              Q(s.FindRight('b'), 3L));
   EXPECT_THROW(abc.Compare("a", 3), const char*);
   EXPECT_THROW(e.Compare("", 0), const char*);  // a position test on "" always throws
   long pos = 0;
@@ -203,7 +208,8 @@ TEST(Str, Fields) {
               Q(Field(3.5, 8, "A4"), "   3.5  "), Q(Field(12345.5, 8, "A2"), "12345.5 "),
               Q(Field(1.5, 4, "A10"), " 1.5"), Q(Field(7L, 4, "JR", true), "ab   7"),
               Q(Field("xy", 4, nullptr, true), "xy    "), Q(Field('x', 3, "JC", true), "abx  "),
-              Q(Field(-4L, 3, "JRF0", true), "-b004"), Q(Field(7L, 4, "A2", true), "7b    "));
+              Q(Field(-4L, 3, "JRF0", true), "-b004"), Q(Field(7L, 4, "A2", true), "7b    "),
+              Q(Field(7.0, 4, "A5", true), "ab  7 "));
   ExpectEdits("ab", EDIT(s.CopyField(&s, 5, "JR"), "   ab/6"),
               EDIT(s.Clear(); s.AppendField(42L, 3, "JR"); s.AppendField(s, 4, "JR"), " 42  42/14"),
               EDIT(s.Justify(5, true), "   ab/6"), EDIT(s.Justify(5, false), "ab   /6"),
