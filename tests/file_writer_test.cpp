@@ -16,6 +16,7 @@ using namespace std::string_literals;
 TEST(FileWriter, AppendsComeOutWholeAcrossBufferEnds) {
   TempDir dir;
   const long longs[] = {0x01020304, -2};
+  const unsigned long unsignedLongs[] = {5};
   const double doubles[] = {1.0, -2.0};
   for (long size : {1L, 2L, 3L, 4L, 5L, 6L, 7L, 8L, FileWriter::kDefaultSize}) {
     FileWriter w(size);
@@ -28,12 +29,13 @@ TEST(FileWriter, AppendsComeOutWholeAcrossBufferEnds) {
     w.Repeat('-', 3);
     w.AppendInteger(static_cast<short>(258));
     w.AppendInteger(longs, 2);
+    w.AppendInteger(unsignedLongs, 1);
     w.AppendFloat(1.0f);
     w.AppendFloat(doubles, 2);
     w.Close();
     EXPECT_FALSE(w.Failed()) << size;
     EXPECT_EQ(ReadFile(dir / "out"),
-              "q0.5\0eABCD          abcd\0---\x01\x02\x01\x02\x03\x04\xFF\xFF\xFF\xFE"
+              "q0.5\0eABCD          abcd\0---\x01\x02\x01\x02\x03\x04\xFF\xFF\xFF\xFE\0\0\0\x05"
               "\0\0\x80\x3F\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\0\xC0"s)
         << "buffer of " << size;
   }
