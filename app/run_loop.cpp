@@ -13,7 +13,7 @@ constexpr long kLineRoom = 1024;
 // Reads every line of an open input and writes the records it holds. Lines before the first
 // header are kept and so begin the first record's sequence; the sequence is cleared only when a
 // record is handed over.
-void ReadRecords(FileReader& input, Writer& writer, bool reference) {
+void ReadRecords(FileReader& input, Writer& writer) {
   Str line(kLineRoom);
   Str sequence(kLineRoom);
   Str name;
@@ -27,7 +27,7 @@ void ReadRecords(FileReader& input, Writer& writer, bool reference) {
       continue;
     }
     if (started) {
-      if (reference) break;  // a reference set is made of the first record only
+      if (writer.ReferenceSet()) break;  // a reference set is made of the first record only
       writer.WriteFiles(name, sequence);
       sequence.Clear();
     }
@@ -53,7 +53,7 @@ int WriteRecords(const Str& path, Writer& writer) {
     writer.Errors() << kCannotOpen << path << std::endl;
     return 0;
   }
-  ReadRecords(input, writer, writer.ReferenceSet());
+  ReadRecords(input, writer);
   input.Close();
   writer.Progress() << std::endl;
   return 0;
