@@ -3,9 +3,9 @@
 # directory, unpacks it into a scratch root and checks that what it installs works: the exact file
 # list, library dependencies found by dpkg-shlibdeps, a version that matches the program's, the
 # unpacked program's -v output, and a manual page that renders without a groff warning.
-# Exits 77 (skipped; a failure in CI) when dpkg-dev or groff is missing.
+# Exits 77 (skipped; a failure in CI) when dpkg-dev, file or groff is missing.
 cpack=$1 build=$2 binary=$3
-for tool in dpkg-deb dpkg-shlibdeps groff; do
+for tool in dpkg-deb dpkg-shlibdeps file groff; do
   command -v $tool >/dev/null || { echo "$tool not found"; [ "$CI" = true ] && exit 1; exit 77; }
 done
 scratch=$(mktemp -d) && trap 'rm -rf "$scratch"' EXIT

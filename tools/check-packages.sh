@@ -15,6 +15,7 @@ libbio-perl-perl        interoperability test: BioPerl reads the phd and SCF fil
 groff-base              manual page test: groff renders doc/synthcall.1
 parallel                scale-out test: GNU parallel runs synthcall on parts of one input
 dpkg-dev                Debian package test: dpkg-shlibdeps and dpkg-deb
+file                    Debian package test: CPack finds the shared libraries with file(1)
 '
 
 if ! command -v dpkg-query >/dev/null; then
