@@ -35,23 +35,25 @@ void BlockWriter::MakeRoom(long n) {
   end = cursor + n;
 }
 
-void BlockWriter::PutAcross(const unsigned char* bytes, long n) {
-  while (n > 0) {
-    const long part = Room(n);
-    std::memcpy(cursor, bytes, part);
+// Stores n bytes in as many parts as the ends of the block cut them into: store(at, done, part)
+// stores `part` bytes at `at`, `done` bytes of the n having gone before.
+template <typename StorePart>
+void BlockWriter::Spread(long n, StorePart store) {
+  for (long done = 0; done < n;) {
+    const long part = Room(n - done);
+    store(cursor, done, part);
     cursor += part;
-    bytes += part;
-    n -= part;
+    done += part;
   }
 }
 
+void BlockWriter::PutAcross(const unsigned char* bytes, long n) {
+  Spread(n,
+         [bytes](unsigned char* at, long done, long part) { std::memcpy(at, bytes + done, part); });
+}
+
 void BlockWriter::Fill(unsigned char c, long n) {
-  while (n > 0) {
-    const long part = Room(n);
-    std::memset(cursor, c, part);
-    cursor += part;
-    n -= part;
-  }
+  Spread(n, [c](unsigned char* at, long, long part) { std::memset(at, c, part); });
 }
 
 void BlockWriter::Flush() {

@@ -57,11 +57,13 @@ class BlockWriter {
   FileWriter& file;
   std::unique_ptr<unsigned char[]> block;
   unsigned char* cursor;  // where the next byte goes
-  unsigned char* end;     // block + kSize
+  unsigned char* end;     // just past the block
 
   long Room(long n);
   void MakeRoom(long n);
   void PutAcross(const unsigned char* bytes, long n);  // a piece larger than the room left
+  template <typename StorePart>
+  void Spread(long n, StorePart store);
 };
 
 #endif  // SYNTHCALL_APP_BLOCK_WRITER_H
