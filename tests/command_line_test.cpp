@@ -1,9 +1,35 @@
-// Command lines that end before any file is read, run as a process where there is no project tree,
-// so that looking at the directories before rejecting the arguments would abort the run. Accepted
-// command lines are run by the end-to-end tests.
-#include <filesystem>
+// The command line in-process, with PWD naming a directory without poly_dir/, so that a run that
+// gets as far as settling the directories throws. Command lines that end before any file is read
+// write only their message; a run that reads throws the int 1 before any output, which the
+// end-to-end tests see only as an abort. Accepted command lines are run by the end-to-end tests.
+#include "app/command_line.h"
+
+#include <sstream>
 
 #include "test_util.h"
+
+namespace {
+
+struct Ran {
+  std::string out, err;
+  int thrown = 0;
+};
+
+Ran RunArgs(std::vector<const char*> args) {
+  args.insert(args.begin(), "synthcall");
+  std::ostringstream out, err;
+  Ran ran;
+  try {
+    EXPECT_EQ(RunCommandLine(static_cast<int>(args.size()), args.data(), out, err), 0);
+  } catch (int value) {
+    ran.thrown = value;
+  }
+  ran.out = out.str();
+  ran.err = err.str();
+  return ran;
+}
+
+}  // namespace
 
 // Help and version count as the first argument only, and what follows them is ignored; a missing
 // quality is an empty token; the quality must be a number whose leading integer is from 0 to 59;
@@ -22,7 +48,7 @@ TEST(CommandLine, EarlyEndsWriteOnlyTheirMessage) {
   const std::string range = "\nERROR: quality value must be from 0 to 59.\n\n";
   const std::string quality = "\nERROR: invalid quality value ";
   const std::string argument = "\nERROR: invalid command line argument ";
-  const std::pair<std::vector<std::string>, std::string> cases[] = {
+  const std::pair<std::vector<const char*>, std::string> cases[] = {
       {{}, "\nERROR: no file name was specified.\n\n"},
       {{"-h"}, usage},
       {{"-help", "-v"}, usage},
@@ -37,13 +63,15 @@ TEST(CommandLine, EarlyEndsWriteOnlyTheirMessage) {
       {{"seqs.fa", "-q", "-abi"}, quality + "-abi\n\n"},
       {{"seqs.fa", "-r", "X", "Y"}, argument + "Y\n\n"},
       {{"seqs.fa", "-ABI"}, argument + "-ABI\n\n"}};
+  const TempDir empty;
+  setenv("PWD", empty.path.c_str(), 1);
   for (const auto& [args, err] : cases) {
-    SCOPED_TRACE(::testing::PrintToString(args));
-    TempDir empty;
-    const RunResult result = RunProgram(args, empty.path, {"PWD=" + empty.path});
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, err);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(std::filesystem::is_empty(empty.path));
+    const Ran ran = RunArgs(args);
+    const std::string name = ::testing::PrintToString(args);
+    EXPECT_EQ(ran.out, "") << name;
+    EXPECT_EQ(ran.err, err) << name;
+    EXPECT_EQ(ran.thrown, 0) << name;
   }
+  const Ran ran = RunArgs({"seqs.fa", "-abi"});
+  ExpectFacts(Q(ran.thrown, 1), Q(ran.out, ""), Q(ran.err, ""));
 }

@@ -110,62 +110,49 @@ TEST(FileWriter, OpenTruncatesReopenAppendsAndFailuresShow) {
 // out with one write of the whole buffer; the rest of the field stays pending.
 TEST(FileWriter, JustifiedValueAtAFullBufferWritesOnce) {
   TempDir dir;
-  const std::string path = dir / "out";
   const std::pair<const char*, std::function<void(FileWriter&)>> values[] = {
       {"text", [](FileWriter& w) { w.Append("ab", 4, true); }},
       {"number", [](FileWriter& w) { w.Append(7L, 4, false); }},
-      {"Str", [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); }},
-  };
+      {"Str", [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); }}};
   for (const auto& [name, value] : values) {
     for (bool binary : {false, true}) {
       FileWriter writer(4);
-      ASSERT_TRUE(writer.Open(path.c_str()));
-      if (binary) {
-        writer.AppendInteger(1L);
-      } else {
-        writer.Append("abc");
-        writer.Append('d');
-      }
+      ASSERT_TRUE(writer.Open((dir / "out").c_str()));
+      if (binary) writer.AppendInteger(1L);
+      if (!binary) writer.Append("abc");
+      if (!binary) writer.Append('d');
       value(writer);
-      EXPECT_EQ(ReadFile(path).size(), 4u) << name << (binary ? " after a binary value" : "");
+      EXPECT_EQ(ReadFile(dir / "out").size(), 4u)
+          << name << (binary ? " after a binary value" : "");
     }
   }
 }
 
-const unsigned char kBlock[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'};
-
 // The pending bytes and the block reach the file at once and in order, from any buffer size (a
 // writer of size 0 has no buffer but can still hand over blocks); later appends start afresh.
+// Nothing open, or a device that takes nothing: the bytes are lost and Failed tells. An empty
+// array is nothing to lose, even without a buffer.
 TEST(FileWriter, WriteThroughSendsPendingBytesAndBlockAtOnce) {
   TempDir dir;
-  const std::string path = dir / "out";
+  const std::string path = dir / "out", block = "0123456789";
+  static const unsigned char kBlock[] = "0123456789";
   for (long size : {0L, 1L, 3L, 4L, FileWriter::kDefaultSize}) {
     FileWriter writer(size);
     ASSERT_TRUE(writer.Open(path.c_str()));
+    const std::string pending = size > 0 ? "ab" : "", after = size > 0 ? "x" : "";
     if (size > 0) writer.Append("ab");
-    writer.WriteThrough(kBlock, sizeof kBlock);
-    const std::string pending = size > 0 ? "ab" : "";
-    EXPECT_EQ(ReadFile(path), pending + "0123456789") << size;
+    writer.WriteThrough(kBlock, 10);
+    EXPECT_EQ(ReadFile(path), pending + block) << size;
     writer.WriteThrough(kBlock, 0);
-    if (size > 0) writer.AppendByte('x');
+    if (size > 0) writer.Append("x");
     writer.Close();
-    EXPECT_EQ(ReadFile(path), pending + "0123456789" + (size > 0 ? "x" : "")) << size;
+    EXPECT_EQ(ReadFile(path), pending + block + after) << size;
     EXPECT_FALSE(writer.Failed()) << size;
   }
-}
-
-// Nothing open, or a device that takes nothing: the bytes are lost and Failed tells. An empty
-// array is nothing to lose, even without a buffer.
-TEST(FileWriter, WriteThroughFailuresShow) {
   const float none[] = {0.0f};
-  FileWriter unbuffered(0);
-  unbuffered.AppendFloat(none, 0);
-  EXPECT_FALSE(unbuffered.Failed());
-  FileWriter writer(4);
-  writer.Append("ab");
-  writer.WriteThrough(kBlock, sizeof kBlock);
-  EXPECT_TRUE(writer.Failed());
-  ASSERT_TRUE(writer.Open("/dev/full"));
-  writer.WriteThrough(kBlock, sizeof kBlock);
-  EXPECT_TRUE(writer.Failed());
+  FileWriter unbuffered(0), writer(4);
+  Walk(DO(unbuffered.AppendFloat(none, 0)), STEP(unbuffered.Failed(), false),
+       DO(writer.Append("ab")), DO(writer.WriteThrough(kBlock, 10)), STEP(writer.Failed(), true),
+       STEP(writer.Open("/dev/full"), true), DO(writer.WriteThrough(kBlock, 10)),
+       STEP(writer.Failed(), true));
 }

@@ -87,49 +87,32 @@ TEST(StrList, FindingFamily) {
        STEP(list.GetIndex("edit_dir"), -1L), STEP(list.IsEnd(), true));
 }
 
-// A StrList deletes the copies it made, once, and never a pointer handed in: each row leaves
-// borrowed or shared pointers in `l` and is destroyed in both orders; AddressSanitizer and
-// LeakSanitizer tell of any copy freed twice, freed too early or not at all.
+// A StrList deletes the copies it made, once, and never a pointer handed in. Each row starts
+// from a list `l` and a list `o` holding one copy each, leaves borrowed or shared pointers in `l`
+// (a Copy over a copy drops the link, not the copy; a list appended to itself links one copy
+// twice; a list appended to another shares its copies) and is destroyed in both orders;
+// AddressSanitizer and LeakSanitizer tell of any copy freed twice, too early or not at all.
 TEST(StrList, DeletesOnlyItsOwnCopies) {
   Str outside("outside");
   Str* borrowed[] = {&outside};
-  const std::function<void(StrList&, StrList&)> rows[] = {
-      [&](StrList& l, StrList&) { l.Append(borrowed, 1L); },
-      [&](StrList& l, StrList&) {
-        l.Append("own");
-        l.Copy(borrowed, 1L);  // drops the link of its own copy, not the copy
-      },
-      [&](StrList& l, StrList&) {
-        l.Append("own");
-        delete l.Replace(&outside);
-      },
-      [&](StrList& l, StrList&) {
-        l.Append("own");
-        l.Append(l);  // one copy linked twice
-      },
-      [&](StrList& l, StrList& o) {
-        o.Append("own");
-        l.Append(o);
-        delete o.Remove(0);
-      },
-      [&](StrList& l, StrList& o) {
-        o.Append("own");
-        l.Append(o);  // shared: either list may go first
-      },
-      [&](StrList& l, StrList& o) {
-        o.Append("moved");
-        l.Insert(o);
-      },
-      [&](StrList& l, StrList& o) {
-        l.Append("own");
-        o.Append("x");
-        l.Copy(o);
-      },
-  };
-  for (const auto& row : rows) {
+  using Row = std::function<void(StrList&, StrList&)>;
+  const Row rows[] = {[&](StrList& l, StrList&) { l.Append(borrowed, 1L); },
+                      [&](StrList& l, StrList&) { l.Copy(borrowed, 1L); },
+                      [&](StrList& l, StrList&) { delete l.Replace(&outside); },
+                      [&](StrList& l, StrList&) { l.Append(l); },
+                      [&](StrList& l, StrList& o) { l.Append(o); },
+                      [&](StrList& l, StrList& o) { l.Insert(o); },
+                      [&](StrList& l, StrList& o) { l.Copy(o); },
+                      [&](StrList& l, StrList& o) {
+                        l.Append(o);
+                        delete o.Remove(0);
+                      }};
+  for (const Row& row : rows) {
     for (bool listFirst : {true, false}) {
       auto* l = new StrList;
       auto* o = new StrList;
+      l->Append("own");
+      o->Append("other");
       row(*l, *o);
       if (listFirst) delete l;
       delete o;
