@@ -16,12 +16,10 @@ static bool WholeLines(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const bool written =
       !!(std::ofstream(ScratchTree() + "/edit_dir/reads.fa") << ">s1 a\nacgtn\n>s2\nGGT\n");
-  const std::string text = KeepInTree(data, size);
+  // Every NUL ends an argument, as does the end of a non-empty input: "a\0" is "a" and "".
+  std::istringstream split(size > 0 ? TreeInput(data, size) + '\0' : "");
   std::vector<std::string> args = {"synthcall"};
-  for (size_t start = 0, end = 0; size > 0 && end != std::string::npos; start = end + 1) {
-    end = text.find('\0', start);
-    args.push_back(text.substr(start, end - start));
-  }
+  for (std::string arg; std::getline(split, arg, '\0');) args.push_back(arg);
   std::vector<const char*> argv;
   for (const std::string& arg : args) argv.push_back(arg.c_str());
   std::ostringstream out, err;
@@ -29,6 +27,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FUZZ_CHECK(RunCommandLine(static_cast<int>(args.size()), argv.data(), out, err) == 0);
   FUZZ_CHECK(WholeLines(out.str()));
   FUZZ_CHECK(WholeLines(err.str()));
-  TidyTree();
   return 0;
 }

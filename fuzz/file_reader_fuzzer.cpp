@@ -13,8 +13,7 @@
 // One read each, laid out as a table.
 // clang-format off
 #define READ(code) [](FileReader& r, [[maybe_unused]] Str& s, [[maybe_unused]] int n) { code; }
-using Read = void (*)(FileReader& r, Str& s, int n);
-static const Read kReads[] = {
+static void (*const kReads[])(FileReader& r, Str& s, int n) = {
     READ(r.SkipSpaces()), READ(r.GetToken(s)), READ(r.GetToken(s, static_cast<char>(n))), READ(r.SkipToken(n % 4)),
     READ(r.SkipToken(static_cast<char>(n), n % 4)), READ(r.GetTextLine(s)), READ(r.SkipLine(n % 4)),
     READ(r.SetPosition(n - 2))};
@@ -23,11 +22,10 @@ static const Read kReads[] = {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const std::string path = ScratchTree() + "/edit_dir/in.txt";
   FuzzedDataProvider in(data, size);
-  const long block = in.ConsumeIntegralInRange<long>(1, 64);
+  FileReader reader(in.ConsumeIntegralInRange<long>(1, 64));
   const std::string reads = in.ConsumeRandomLengthString(32),
                     bytes = in.ConsumeRemainingBytesAsString();
   std::ofstream(path, std::ios::binary) << bytes;
-  FileReader reader(block);
   FUZZ_CHECK(reader.Open(path.c_str()));
   std::string lines;
   for (Str line; reader.GetLine(line);) lines += std::string(line.String(), line.Length()) + "\n";

@@ -7,9 +7,9 @@
 // first use in a fresh directory (on /dev/shm when there is one, so that the many small files
 // cost no disk) and reused by every execution, each run overwriting the files of the last. The
 // working directory and PWD are its edit_dir/; it is removed at exit. Record names and reference
-// suffixes become file names, so the targets take their input through KeepInTree, which replaces
-// every '/', and call TidyTree after each run, which every thousandth time empties the output
-// directories, so that the names of many inputs do not pile up.
+// suffixes become file names, so the targets take their input through TreeInput, which replaces
+// every '/' and every thousandth time first empties the output directories, so that the names of
+// many inputs do not pile up.
 #ifndef SYNTHCALL_FUZZ_FUZZ_SUPPORT_H
 #define SYNTHCALL_FUZZ_FUZZ_SUPPORT_H
 
@@ -21,13 +21,12 @@
 #include <filesystem>
 #include <string>
 
-#define FUZZ_CHECK(condition)                                                            \
-  do {                                                                                   \
-    if (!(condition)) {                                                                  \
-      std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); \
-      std::abort();                                                                      \
-    }                                                                                    \
-  } while (false)
+#define FUZZ_CHECK(condition) ((condition) ? void() : CheckFailed(__FILE__, __LINE__, #condition))
+
+[[noreturn]] inline void CheckFailed(const char* file, int line, const char* condition) {
+  std::fprintf(stderr, "%s:%d: check failed: %s\n", file, line, condition);
+  std::abort();
+}
 
 // The path lives on the heap and is never destroyed: the exit handler that removes the tree runs
 // after the static objects constructed before it have gone.
@@ -47,15 +46,12 @@ inline const std::string& ScratchTree() {
   return root;
 }
 
-inline void TidyTree() {
+inline std::string TreeInput(const uint8_t* data, size_t size) {
   static long runs = 0;
-  if (++runs % 1000 != 0) return;
-  for (const char* dir : {"/chromat_dir", "/phd_dir", "/poly_dir"})
-    for (const auto& file : std::filesystem::directory_iterator(ScratchTree() + dir))
-      std::filesystem::remove(file);
-}
-
-inline std::string KeepInTree(const uint8_t* data, size_t size) {
+  if (++runs % 1000 == 0)
+    for (const char* dir : {"/chromat_dir", "/phd_dir", "/poly_dir"})
+      for (const auto& file : std::filesystem::directory_iterator(ScratchTree() + dir))
+        std::filesystem::remove(file);
   std::string text(reinterpret_cast<const char*>(data), size);
   std::replace(text.begin(), text.end(), '/', '_');
   return text;

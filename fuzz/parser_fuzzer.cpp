@@ -4,22 +4,20 @@
 // line holds no newline; a search that succeeds stands on what it found.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "fuzz_support.h"
 #include "toolkit/str.h"
 
 static bool HasWhite(const Str& t) {
-  for (long i = 0; i < t.Length(); ++i)
-    if (Str::IsSpace(t.String()[i])) return true;
-  return false;
+  return std::any_of(t.String(), t.String() + t.Length(), Str::IsSpace);
 }
 
 // One operation each, laid out as a table.
 // clang-format off
 #define OP(code) [](Parser& p, [[maybe_unused]] Str& t, [[maybe_unused]] int n, [[maybe_unused]] char c) { code; }
-using Op = void (*)(Parser& p, Str& t, int n, char c);
-static const Op kOps[] = {
+static void (*const kOps[])(Parser& p, Str& t, int n, char c) = {
     OP(FUZZ_CHECK(!p.GetToken(t) || !HasWhite(t))), OP(p.GetToken(t, c)), OP(p.WordWrap(t, n)),
     OP(FUZZ_CHECK(!p.GetToken(t, static_cast<long>(n)) || t.Length() <= (n > 0 ? n : 0))),
     OP(FUZZ_CHECK(!p.GetLine(t) || std::memchr(t.String(), '\n', t.Length()) == nullptr)),
@@ -35,8 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   text.Copy(bytes.data(), static_cast<long>(bytes.size()));
   Parser p(text);
   while (in.remaining_bytes() > 0) {
-    const Op op = in.PickValueInArray(kOps);
-    op(p, t, in.ConsumeIntegralInRange(-3, 40), in.ConsumeIntegral<char>());
+    // C++17 picks the operation before it reads the count and the separator.
+    in.PickValueInArray(kOps)(p, t, in.ConsumeIntegralInRange(-3, 40), in.ConsumeIntegral<char>());
     FUZZ_CHECK(p.GetLeft(left));
     FUZZ_CHECK(left.Length() <= text.Length());
   }

@@ -22,10 +22,9 @@ static void (*const kOps[])(Str& s, long a, long b) = {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
-  char text[Str::kNumberTextSize];
   const double x = std::fabs(in.ConsumeFloatingPoint<double>());
-  Str::ConvertFloat(x, text);
-  FUZZ_CHECK(std::fabs(std::strtod(text, nullptr) - x) <= 1e-14 * x || x < 1e-300 || x > 1e308);
+  const double back = std::strtod(Str::NumberText(x).text, nullptr);
+  FUZZ_CHECK(std::fabs(back - x) <= 1e-14 * x || x < 1e-300 || x > 1e308);
   Str s(in.ConsumeRandomLengthString(64).c_str());
   while (in.remaining_bytes() > 0 && s.Length() < (1 << 16)) {
     const auto op = in.PickValueInArray(kOps);

@@ -22,28 +22,26 @@ using Files = std::set<std::string>;
 // A temporary directory holding edit_dir/ and, below `tree`, the three output directories. Run
 // starts the program in `dir` with PWD naming it, unless `env` says otherwise, and notes the
 // clock's seconds at the start and the end.
-struct Project {
+struct Project : TempDir {
   explicit Project(const std::string& tree = "") {
-    MakeDir(temp / "edit_dir");
-    if (!tree.empty() && tree.back() == '/') MakeDir(temp / tree);
-    for (const char* dir : {"chromat_dir", "phd_dir", "poly_dir"}) MakeDir(temp / (tree + dir));
+    MakeDir(*this / "edit_dir");
+    if (!tree.empty() && tree.back() == '/') MakeDir(*this / tree);
+    for (const char* dir : {"chromat_dir", "phd_dir", "poly_dir"}) MakeDir(*this / (tree + dir));
   }
-  std::string operator/(const std::string& name) const { return temp / name; }
   RunResult Run(const std::string& dir, const Args& args, Args env = {}) {
-    env.insert(env.begin(), "PWD=" + temp / dir);
+    env.insert(env.begin(), "PWD=" + *this / dir);
     started = time(nullptr);
-    RunResult result = RunProgram(args, temp / dir, env);
+    RunResult result = RunProgram(args, *this / dir, env);
     ended = time(nullptr);
     return result;
   }
   Files All() const {  // every entry that is not a directory, by relative path
     Files files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(
-             temp.path, std::filesystem::directory_options::skip_permission_denied))
-      if (!entry.is_directory()) files.insert(entry.path().lexically_relative(temp.path));
+             path, std::filesystem::directory_options::skip_permission_denied))
+      if (!entry.is_directory()) files.insert(entry.path().lexically_relative(path));
     return files;
   }
-  TempDir temp;
   time_t started = 0, ended = 0;
 };
 
@@ -193,10 +191,10 @@ TEST(EndToEnd, FilesThatCannotBeWritten) {
 // letters, a record whose name comes again replaces the files, and names too long for a file are
 // reported.
 TEST(EndToEnd, OptionsAndInputs) {
-  std::string bytes, upper, nuls("  >s\0x y\nAC\0GT\n>t\n\0\0a\n>\0\nC\n", 27);
+  std::string bytes, nuls("  >s\0x y\nAC\0GT\n>t\n\0\0a\n>\0\nC\n", 27);
   for (int c = 1; c < 256; ++c)
     if (c != '\n' && c != '/') bytes += static_cast<char>(c);
-  for (char c = 'A'; c <= 'Z'; ++c) upper += c;
+  const std::string upper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   const std::string s300(300, 's');
   const std::string crlf = "\r\r\r\nNN\r\n\r\n  >s1 more\r\nac gt\r\n \r\nnn\r\n>s2\tx\nACGT\r\r";
   const std::string names = "> s3\nA-C*G 1x\n>s4\tmore\n\n\nC\n>\nTT\n>s5";

@@ -21,12 +21,6 @@ static std::vector<std::string> ReadAll(const std::string& bytes, long size, Rea
   return got;
 }
 
-static char Character(FileReader& reader) {
-  char c = '-';
-  reader.GetCharacter(c);
-  return c;
-}
-
 // A last line needs its newline to count as a text line; blank lines are skipped. A token ends at
 // white space, which stays; a field at the separator or a newline, which are consumed.
 TEST(FileReader, ReadsAcrossBlockEnds) {
@@ -61,13 +55,14 @@ TEST(FileReader, OpenAndPositions) {
   WriteFile(dir / "in", "ab\ncd");
   FileReader reader(2);
   Str first("x"), second, third, fourth("x");
+  char c = '-';
   Walk(STEP(reader.SetPosition(5), false), STEP(reader.Open((dir / "missing").c_str()), false),
        STEP(reader.Open(Str(dir.path.c_str())), false), STEP(reader.GetLine(first), false),
        STEP(reader.GetTextLine(first), false), STEP(Text(first), ""),
        STEP(reader.Open((dir / "in").c_str()), true), DO(reader.GetToken(first)),
        DO(reader >> second >> third >> fourth), STEP(Text(first), "ab"), STEP(Text(second), ""),
        STEP(Text(third), "cd"), STEP(Text(fourth), ""), STEP(reader.SetPosition(-1), false),
-       STEP(reader.SetPosition(3), true), STEP(Character(reader), 'c'),
+       STEP(reader.SetPosition(3), true), STEP(reader.GetCharacter(c), true), STEP(c, 'c'),
        STEP(reader.GetPosition(), 6L), STEP(reader.SetPosition(0), true),
-       STEP(Character(reader), 'a'));
+       STEP(reader.GetCharacter(c), true), STEP(c, 'a'));
 }
