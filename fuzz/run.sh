@@ -26,23 +26,17 @@ export ASAN_OPTIONS=${ASAN_OPTIONS:-quarantine_size_mb=16}
 # Replays, then fuzzes target $1 (one input may take at most 10 s; longer is a hang). Prints its
 # result line, and on a failure the report and where the inputs are, in one piece.
 fuzz_one() {
-  local program=$build/${1}_fuzzer seeds=$root/fuzz/corpus/$1 log=$build/$1.log result=ok
+  local program=$build/${1}_fuzzer seeds=$root/fuzz/corpus/$1 log=$build/$1.log
   local options=(-timeout=10 -artifact_prefix="$build/artifacts/$1/")
   mkdir -p "$build/corpus/$1" "$build/artifacts/$1" && [ -d "$seeds" ] || seeds=$build/corpus/$1
-  if ! "$program" "${options[@]}" -runs=0 "$seeds" >"$log" 2>&1; then
-    result="FAILED on a seed"
-  elif ! "$program" "${options[@]}" -max_total_time="$seconds" -print_final_stats=1 \
-      "$build/corpus/$1" "$seeds" >"$log" 2>&1; then
-    result=FAILED
+  if "$program" "${options[@]}" -runs=0 "$seeds" >"$log" 2>&1 && "$program" "${options[@]}" \
+      -max_total_time="$seconds" -print_final_stats=1 "$build/corpus/$1" "$seeds" >>"$log" 2>&1; then
+    echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions in $seconds s, ok"
+  else
+    local report=$(grep -E 'ERROR|check failed|SUMMARY|^    #[0-9]' "$log" | head -40)
+    printf '%s: FAILED\n%s\n  log: %s, inputs: %s\n' "$1" "$report" "$log" "$build/artifacts/$1/"
+    return 1
   fi
-  local report
-  report=$(printf '%-13s %3d seeds replayed, %9s executions in %s s  %s\n' "$1" \
-    "$(find "$root/fuzz/corpus/$1" -type f 2>/dev/null | wc -l)" \
-    "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" "$seconds" "$result"
-  [ "$result" = ok ] || { grep -E 'ERROR|check failed|SUMMARY|^    #[0-9]' "$log" | head -40
-    echo "  log: $log, inputs: $build/artifacts/$1/"; })
-  echo "$report"
-  [ "$result" = ok ]
 }
 export -f fuzz_one
 printf '%s\n' "$@" | xargs -P "${JOBS:-2}" -I{} bash -c 'fuzz_one {}'

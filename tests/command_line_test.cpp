@@ -47,22 +47,18 @@ TEST(CommandLine, EarlyEndsWriteOnlyTheirMessage) {
   const std::string version = "\nsynthcall Version 3.3  (Build 2006.02.23)\n\n";
   const std::string range = "\nERROR: quality value must be from 0 to 59.\n\n";
   const std::string quality = "\nERROR: invalid quality value ";
-  const std::string argument = "\nERROR: invalid command line argument ";
+  const std::string invalid = "\nERROR: invalid command line argument ";
+  // clang-format off
   const std::pair<std::vector<const char*>, std::string> cases[] = {
-      {{}, "\nERROR: no file name was specified.\n\n"},
-      {{"-h"}, usage},
-      {{"-help", "-v"}, usage},
-      {{"-v"}, version},
-      {{"-version", "-h"}, version},
-      {{"seqs.fa", "-abi", "-version"}, argument + "-version\n\n"},
-      {{"seqs.fa", "-abi", "-q"}, quality + "\n\n"},
-      {{"seqs.fa", "-q", "60", "-x"}, range},
-      {{"seqs.fa", "-q", "-1"}, range},
-      {{"seqs.fa", "-x", "-q", "60"}, argument + "-x\n\n"},
+      {{}, "\nERROR: no file name was specified.\n\n"}, {{"-h"}, usage}, {{"-help", "-v"}, usage},
+      {{"-v"}, version}, {{"-version", "-h"}, version}, {{"seqs.fa", "-ABI"}, invalid + "-ABI\n\n"},
+      {{"seqs.fa", "-abi", "-version"}, invalid + "-version\n\n"},
+      {{"seqs.fa", "-abi", "-q"}, quality + "\n\n"}, {{"seqs.fa", "-q", "60", "-x"}, range},
+      {{"seqs.fa", "-q", "-1"}, range}, {{"seqs.fa", "-x", "-q", "60"}, invalid + "-x\n\n"},
       {{"seqs.fa", "-q", "20", "-q", "12."}, quality + "12.\n\n"},
       {{"seqs.fa", "-q", "-abi"}, quality + "-abi\n\n"},
-      {{"seqs.fa", "-r", "X", "Y"}, argument + "Y\n\n"},
-      {{"seqs.fa", "-ABI"}, argument + "-ABI\n\n"}};
+      {{"seqs.fa", "-r", "X", "Y"}, invalid + "Y\n\n"}};
+  // clang-format on
   const TempDir empty;
   setenv("PWD", empty.path.c_str(), 1);
   for (const auto& [args, err] : cases) {

@@ -9,16 +9,12 @@ TEST(CoutWriter, TextGoesOutAtOnceAndBufferedOutputNever) {
   CoutWriter writer;
   FileWriter& file = writer;
   testing::internal::CaptureStdout();
-  file.AppendToken(Str("A"));
-  file.AppendToken(-3.0, ',');
-  file.AppendLine(1234567.0);
-  file << "y" << '!' << -45L << 1e20;
-  file.AppendByte("a\0b", 3);
-  file.Append("abc", 2, false);
-  file.Append('c', 3, false);
-  file.Append(Str("ab"), 40, true);  // more padding than one run of blanks
-  file.AppendInteger(1L);
-  file.Repeat('-', 3000);  // more than the buffer holds
+  Walk(DO(file.AppendToken(Str("A"))), DO(file.AppendToken(-3.0, ',')),
+       DO(file.AppendLine(1234567.0)), DO(file << "y" << '!' << -45L << 1e20),
+       DO(file.AppendByte("a\0b", 3)), DO(file.Append("abc", 2, false)),
+       DO(file.Append('c', 3, false)),
+       DO(file.Append(Str("ab"), 40, true)),  // more padding than one run of blanks
+       DO(file.AppendInteger(1L)), DO(file.Repeat('-', 3000)));  // more than the buffer holds
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "A -3,1.23457e+06\ny!-451e+20a\0babcc  "s + std::string(38, ' ') + "ab");
   testing::internal::CaptureStdout();

@@ -7,9 +7,7 @@
 static std::vector<std::string> Listed(Directory& dir, bool dirs) {
   StrList list;
   dirs ? dir.GetDirList(list) : dir.GetFileList(list);
-  std::vector<std::string> names;
-  for (list.Begin(); Str* name = list.GetNext();) names.push_back(name->String());
-  return names;
+  return Texts(list);
 }
 
 // A directory holding the files "b", "a" and ".x" and a sub-directory "d".

@@ -21,17 +21,11 @@ TEST(FileWriter, AppendsComeOutWholeAcrossBufferEnds) {
   for (long size : {1L, 2L, 3L, 4L, 5L, 6L, 7L, 8L, FileWriter::kDefaultSize}) {
     FileWriter w(size);
     ASSERT_TRUE(w.Open((dir / "out").c_str()));
-    w << 'q' << 0.5;
-    w.AppendByte("\0e", 2);
-    w.AppendField("ABCDEFG", 4);
-    w.Append("ab", 12, true);  // wider than the whole buffer
-    w.AppendString("cd");
-    w.Repeat('-', 3);
-    w.AppendInteger(static_cast<short>(258));
-    w.AppendInteger(longs, 2);
-    w.AppendInteger(unsignedLongs, 1);
-    w.AppendFloat(1.0f);
-    w.AppendFloat(doubles, 2);
+    Walk(DO(w << 'q' << 0.5), DO(w.AppendByte("\0e", 2)), DO(w.AppendField("ABCDEFG", 4)),
+         DO(w.Append("ab", 12, true)),  // wider than the whole buffer
+         DO(w.AppendString("cd")), DO(w.Repeat('-', 3)), DO(w.AppendInteger(short{258})),
+         DO(w.AppendInteger(longs, 2)), DO(w.AppendInteger(unsignedLongs, 1)),
+         DO(w.AppendFloat(1.0f)), DO(w.AppendFloat(doubles, 2)));
     w.Close();
     EXPECT_FALSE(w.Failed()) << size;
     EXPECT_EQ(ReadFile(dir / "out"),
@@ -54,12 +48,9 @@ TEST(FileWriter, WholeBuffersGoOutAsTheyFillAndTrimmingKeepsToPendingBytes) {
     for (long offset = 0; offset < size; ++offset) {
       FileWriter w(size);
       ASSERT_TRUE(w.Open(path.c_str()));
-      w.Append(std::string(offset, 'x').c_str());
-      w.AppendToken('A');
-      w.AppendToken(Str("59"));
-      w.AppendLine(12345678L);
-      w.Append(LONG_MIN);
-      w.AppendToken(-7L, ',');
+      Walk(DO(w.Append(std::string(offset, 'x').c_str())), DO(w.AppendToken('A')),
+           DO(w.AppendToken(Str("59"))), DO(w.AppendLine(12345678L)), DO(w.Append(LONG_MIN)),
+           DO(w.AppendToken(-7L, ',')));
       const std::string expected =
           std::string(offset, 'x') + "A 59 12345678\n-9223372036854775808-7,";
       EXPECT_EQ(ReadFile(path).size(), expected.size() / size * size) << size << " from " << offset;
@@ -110,22 +101,14 @@ TEST(FileWriter, OpenTruncatesReopenAppendsAndFailuresShow) {
 // out with one write of the whole buffer; the rest of the field stays pending.
 TEST(FileWriter, JustifiedValueAtAFullBufferWritesOnce) {
   TempDir dir;
-  const std::pair<const char*, std::function<void(FileWriter&)>> values[] = {
-      {"text", [](FileWriter& w) { w.Append("ab", 4, true); }},
-      {"number", [](FileWriter& w) { w.Append(7L, 4, false); }},
-      {"Str", [](FileWriter& w) { w.Append(Str("wxyz"), 0, true); }}};
-  for (const auto& [name, value] : values) {
-    for (bool binary : {false, true}) {
-      FileWriter writer(4);
-      ASSERT_TRUE(writer.Open((dir / "out").c_str()));
-      if (binary) writer.AppendInteger(1L);
-      if (!binary) writer.Append("abc");
-      if (!binary) writer.Append('d');
-      value(writer);
-      EXPECT_EQ(ReadFile(dir / "out").size(), 4u)
-          << name << (binary ? " after a binary value" : "");
-    }
-  }
+  const std::string path = dir / "out";
+  FileWriter text(4), number(4), str(4);
+  Walk(STEP(text.Open(path.c_str()), true), DO(text.Append("abc")), DO(text.Append('d')),
+       DO(text.Append("ab", 4, true)), STEP(ReadFile(path), "abcd"),
+       STEP(number.Open(path.c_str()), true), DO(number.AppendInteger(1L)),
+       DO(number.Append(7L, 4, false)), STEP(ReadFile(path), "\0\0\0\x01"s),
+       STEP(str.Open(path.c_str()), true), DO(str.Append("abc")), DO(str.Append('d')),
+       DO(str.Append(Str("wxyz"), 0, true)), STEP(ReadFile(path), "abcd"));
 }
 
 // The pending bytes and the block reach the file at once and in order, from any buffer size (a

@@ -2,20 +2,7 @@
 // its texts. Each test is a walk: steps in order, each with the answer it must give.
 #include "test_util.h"
 
-namespace {
-
-// The texts in order; the cursor stays where it was.
-std::vector<std::string> Texts(SList<Str>& list) {
-  const long position = list.GetPosition();
-  std::vector<std::string> texts;
-  for (list.Begin(); Str* s = list.GetNext();) texts.push_back(s->String());
-  list.Begin(position);
-  return texts;
-}
-
-std::string Name(const Str* s) { return s != nullptr ? s->String() : "null"; }
-
-}  // namespace
+static std::string Name(const Str* s) { return s != nullptr ? s->String() : "null"; }
 
 // SList borrows its elements. Next stays at the end and Back at the head; a position out of range
 // changes nothing. Insert goes in front of the current element, by index only at 0 of a
@@ -95,28 +82,18 @@ TEST(StrList, FindingFamily) {
 TEST(StrList, DeletesOnlyItsOwnCopies) {
   Str outside("outside");
   Str* borrowed[] = {&outside};
-  using Row = std::function<void(StrList&, StrList&)>;
-  const Row rows[] = {[&](StrList& l, StrList&) { l.Append(borrowed, 1L); },
-                      [&](StrList& l, StrList&) { l.Copy(borrowed, 1L); },
-                      [&](StrList& l, StrList&) { delete l.Replace(&outside); },
-                      [&](StrList& l, StrList&) { l.Append(l); },
-                      [&](StrList& l, StrList& o) { l.Append(o); },
-                      [&](StrList& l, StrList& o) { l.Insert(o); },
-                      [&](StrList& l, StrList& o) { l.Copy(o); },
-                      [&](StrList& l, StrList& o) {
-                        l.Append(o);
-                        delete o.Remove(0);
-                      }};
-  for (const Row& row : rows) {
+#define ROW(code) [&](StrList& l, [[maybe_unused]] StrList& o) { code; }
+  const std::function<void(StrList&, StrList&)> rows[] = {
+      ROW(l.Append(borrowed, 1L)), ROW(l.Copy(borrowed, 1L)), ROW(delete l.Replace(&outside)),
+      ROW(l.Append(l)), ROW(l.Append(o)), ROW(l.Insert(o)), ROW(l.Copy(o)),
+      ROW(l.Append(o); delete o.Remove(0))};
+  for (const auto& row : rows) {
     for (bool listFirst : {true, false}) {
-      auto* l = new StrList;
-      auto* o = new StrList;
+      auto l = std::make_unique<StrList>(), o = std::make_unique<StrList>();
       l->Append("own");
       o->Append("other");
       row(*l, *o);
-      if (listFirst) delete l;
-      delete o;
-      if (!listFirst) delete l;
+      (listFirst ? l : o).reset();
     }
   }
   EXPECT_STREQ("outside", outside.String());

@@ -120,3 +120,11 @@ std::string Shown(const std::vector<std::string>& items) {
   for (const std::string& item : items) text += "[" + item + "]";
   return text;
 }
+
+std::vector<std::string> Texts(SList<Str>& list) {
+  const long position = list.GetPosition();
+  std::vector<std::string> texts;
+  for (list.Begin(); Str* s = list.GetNext();) texts.push_back(s->String());
+  list.Begin(position);
+  return texts;
+}

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -49,13 +50,14 @@ std::string ModelChromat(const std::string& clean, bool abif);
 // its length must agree with its terminator), a list as "[a][b]", bools as words.
 std::string Shown(const Str& s);
 std::string Shown(const std::vector<std::string>& items);
-inline std::string Shown(const std::string& text) { return text; }
-inline std::string Shown(const char* text) { return text; }
-inline std::string Shown(bool b) { return b ? "true" : "false"; }
-inline std::string Shown(int n) { return std::to_string(n); }
-inline std::string Shown(long n) { return std::to_string(n); }
-inline std::string Shown(char c) { return std::string(1, c); }
+template <class T>
+std::string Shown(const T& value) {  // texts, characters, numbers
+  std::ostringstream text;
+  text << std::boolalpha << value;
+  return text.str();
+}
 inline std::string Text(const Str& s) { return std::string(s.String(), s.Length()); }
+std::vector<std::string> Texts(SList<Str>& list);  // in order; the cursor stays where it was
 
 // Q(s.Find("b"), 1L) expects s.Find("b") to show as "1", and names the fact by its code. The
 // facts of one ExpectFacts are evaluated in no fixed order, so none of them may change anything.

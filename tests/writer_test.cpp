@@ -21,18 +21,15 @@ TEST(BlockWriter, PiecesReachTheFileInOrderAcrossBlockEnds) {
   block.Fill('-', BlockWriter::kMinSize);
   block.PutEach(3000, 8, [](unsigned char* at, long k) {
     const std::string piece = std::to_string(k) + ",";
-    std::memcpy(at, piece.data(), piece.size());
-    return at + piece.size();
+    return std::copy(piece.begin(), piece.end(), at);
   });
-  block.PutEach(1, BlockWriter::kMinSize + 1, [](unsigned char* at, long) {
-    std::memset(at, '=', BlockWriter::kMinSize + 1);
-    return at + BlockWriter::kMinSize + 1;
-  });
+  const long large = BlockWriter::kMinSize + 1;
+  block.PutEach(1, large, [](unsigned char* at, long) { return std::fill_n(at, large, '='); });
   block.Flush();
   file.Close();
   EXPECT_FALSE(file.Failed());
   EXPECT_EQ(ReadFile(dir / "out"), "<" + text + std::string(BlockWriter::kMinSize, '-') + pieces +
-                                       std::string(BlockWriter::kMinSize + 1, '='));
+                                       std::string(large, '='));
 }
 
 // Every line is the one formatted field by field, through each change of the position's width
