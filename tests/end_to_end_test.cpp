@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <ctime>
@@ -19,20 +20,45 @@ namespace {
 using Args = std::vector<std::string>;
 using Files = std::set<std::string>;
 
+struct RunResult {
+  std::string out, err;
+  int status = -1;  // exit code, or -1 when killed by a signal
+  int signal = 0;   // the signal that ended the process, if any
+};
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "'";
+  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
 // A temporary directory holding edit_dir/ and, below `tree`, the three output directories. Run
-// starts the program in `dir` with PWD naming it, unless `env` says otherwise, and notes the
-// clock's seconds at the start and the end.
+// starts the program in `dir` with PWD naming it and the umask 002, with the test's environment
+// but each "NAME=value" of `env` set and each bare "NAME" removed, and notes the clock's seconds
+// at the start and the end. A shell starts the program with exec, so that its status is the
+// program's own; the streams go into files rather than pipes, so that the program never waits
+// for the test.
 struct Project : TempDir {
   explicit Project(const std::string& tree = "") {
     MakeDir(*this / "edit_dir");
     if (!tree.empty() && tree.back() == '/') MakeDir(*this / tree);
     for (const char* dir : {"chromat_dir", "phd_dir", "poly_dir"}) MakeDir(*this / (tree + dir));
   }
-  RunResult Run(const std::string& dir, const Args& args, Args env = {}) {
-    env.insert(env.begin(), "PWD=" + *this / dir);
+  RunResult Run(const std::string& dir, const Args& args, const Args& env = {}) {
+    const TempDir capture;
+    std::string command =
+        "cd " + Quoted(*this / dir) + " && umask 002; export PWD=" + Quoted(*this / dir);
+    for (const std::string& e : env)
+      command += (e.find('=') == e.npos ? "; unset " : "; export ") + Quoted(e);
+    command += "; exec " + Quoted(SYNTHCALL_BINARY);
+    for (const std::string& a : args) command += " " + Quoted(a);
+    command += " </dev/null >" + Quoted(capture / "out") + " 2>" + Quoted(capture / "err");
     started = time(nullptr);
-    RunResult result = RunProgram(args, *this / dir, env);
+    const int status = std::system(command.c_str());
     ended = time(nullptr);
+    RunResult result{ReadFile(capture / "out"), ReadFile(capture / "err")};
+    if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
     return result;
   }
   Files All() const {  // every entry that is not a directory, by relative path

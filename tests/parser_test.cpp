@@ -29,16 +29,15 @@ static long Offset(Parser& p) {
 
 // Bytes from 128 up are not blanks; a newline that stands just at the width still ends the line.
 TEST(Parser, ReadingPieces) {
-  ExpectFacts(
-      Q(Pieces("  abc  x\xA0y\x85z \xFF", READ(p.GetToken(t))), "[abc][x\xA0y\x85z][\xFF]"),
-      Q(Pieces("a,, b ", READ(p.GetToken(t, ','))), "[a][][ b ]"),
-      Q(Pieces("abcdefg", READ(p.GetToken(t, 3L))), "[abc][def][g]"),
-      Q(Pieces("x\r\ny\n\nlast", READ(p.GetLine(t))), "[x\r][y][][last]"),
-      Q(Pieces("ab cd", READ(p.GetRight(t))), "[ab cd]"),
-      Q(Pieces("abc defgh", READ(p.WordWrap(t, 5))), "[abc ][defgh]"),
-      Q(Pieces("abc   de", READ(p.WordWrap(t, 3))), "[abc   ][de]"),  // the whole run of blanks
-      Q(Pieces("ab\ncd ef\n\ngh", READ(p.WordWrap(t, 5))), "[ab\n][cd ef\n][\n][gh]"),
-      Q(Pieces("ab", READ(p.WordWrap(t, 0))), "[a][b]"));  // a width below 1 still moves on
+  Walk(Q(Pieces("  abc  x\xA0y\x85z \xFF", READ(p.GetToken(t))), "[abc][x\xA0y\x85z][\xFF]"),
+       Q(Pieces("a,, b ", READ(p.GetToken(t, ','))), "[a][][ b ]"),
+       Q(Pieces("abcdefg", READ(p.GetToken(t, 3L))), "[abc][def][g]"),
+       Q(Pieces("x\r\ny\n\nlast", READ(p.GetLine(t))), "[x\r][y][][last]"),
+       Q(Pieces("ab cd", READ(p.GetRight(t))), "[ab cd]"),
+       Q(Pieces("abc defgh", READ(p.WordWrap(t, 5))), "[abc ][defgh]"),
+       Q(Pieces("abc   de", READ(p.WordWrap(t, 3))), "[abc   ][de]"),  // the whole run of blanks
+       Q(Pieces("ab\ncd ef\n\ngh", READ(p.WordWrap(t, 5))), "[ab\n][cd ef\n][\n][gh]"),
+       Q(Pieces("ab", READ(p.WordWrap(t, 0))), "[a][b]"));  // a width below 1 still moves on
   // No characters are no characters; a target grows to twice a piece that does not fit.
   Str abcd("abcd"), none("x"), small(3L), exact(4L);
   Parser r(abcd);

@@ -4,6 +4,10 @@
 
 static std::string Name(const Str* s) { return s != nullptr ? s->String() : "null"; }
 
+// clang-format off
+#define ROW(code) [&](StrList& l, [[maybe_unused]] StrList& o) { code; }
+// clang-format on
+
 // SList borrows its elements. Next stays at the end and Back at the head; a position out of range
 // changes nothing. Insert goes in front of the current element, by index only at 0 of a
 // non-empty list; inserting a list moves its links over, and a list appended to itself doubles
@@ -82,11 +86,16 @@ TEST(StrList, FindingFamily) {
 TEST(StrList, DeletesOnlyItsOwnCopies) {
   Str outside("outside");
   Str* borrowed[] = {&outside};
-#define ROW(code) [&](StrList& l, [[maybe_unused]] StrList& o) { code; }
   const std::function<void(StrList&, StrList&)> rows[] = {
-      ROW(l.Append(borrowed, 1L)), ROW(l.Copy(borrowed, 1L)), ROW(delete l.Replace(&outside)),
-      ROW(l.Append(l)), ROW(l.Append(o)), ROW(l.Insert(o)), ROW(l.Copy(o)),
-      ROW(l.Append(o); delete o.Remove(0))};
+    ROW(l.Append(borrowed, 1L)),
+    ROW(l.Copy(borrowed, 1L)),
+    ROW(delete l.Replace(&outside)),
+    ROW(l.Append(l)),
+    ROW(l.Append(o)),
+    ROW(l.Insert(o)),
+    ROW(l.Copy(o)),
+    ROW(l.Append(o); delete o.Remove(0))
+  };
   for (const auto& row : rows) {
     for (bool listFirst : {true, false}) {
       auto l = std::make_unique<StrList>(), o = std::make_unique<StrList>();

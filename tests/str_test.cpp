@@ -58,10 +58,10 @@ std::string Field(T x, long width, const char* format, bool append = false) {
 TEST(Str, ConstructionAccessAndGrowth) {
   Str big(1024L), text("aXc"), line("old");
   big.Append("ab");
-  ExpectFacts(Q(Str(-5), "/1"), Q(Str('x'), "x/2"), Q(Str('-', 3L), "---/4"),
-              Q(Str(big), "ab/1025"), Q(text.Get(2), 'c'), Q(static_cast<char>(text), 'a'),
-              Q(text == "aXc", true), Q(Str(" a").HasContent(), true),
-              Q(Str(" \t\n\v\f\r").HasContent(), false), Q(Str(" -42abc").ToInteger(), -42));
+  Walk(Q(Str(-5), "/1"), Q(Str('x'), "x/2"), Q(Str('-', 3L), "---/4"), Q(Str(big), "ab/1025"),
+       Q(text.Get(2), 'c'), Q(static_cast<char>(text), 'a'), Q(text == "aXc", true),
+       Q(Str(" a").HasContent(), true), Q(Str(" \t\n\v\f\r").HasContent(), false),
+       Q(Str(" -42abc").ToInteger(), -42));
   EXPECT_THROW(Str huge(LONG_MAX), const char*);
   std::istringstream lines("first line\nx");  // a line read from a stream replaces the text
   Walk(DO(lines >> line), STEP(line, "first line/16"), DO(lines >> line), STEP(line, "x/16"));
@@ -95,15 +95,14 @@ TEST(Str, NumberText) {
     const int n = Str::ConvertInteger(v, text.data());
     EXPECT_EQ(text, std::to_string(v) + '\0' + std::string(Str::kNumberTextSize - n - 1, '#'));
   }
-  ExpectFacts(Q(Float(-0.0), "0"), Q(Float(0.1), "0.1"), Q(Float(0.00125), "0.00125"),
-              Q(Float(1e-6), "0.000001"), Q(Float(1e-7), "1.e-07"), Q(Float(1.5e-7), "1.5e-07"),
-              Q(Float(1234.5), "1234.5"), Q(Float(100.0), "100"),
-              Q(Float(2.0 / 3), "0.666666666666667"), Q(Float(1e15), "1000000000000000"),
-              Q(Float(1e16), "1.e+16"), Q(Float(1e100), "1.e+100"), Q(Float(1e-100), "1.e-100"),
-              Q(Float(123456789012345678.0), "1.23456789012346e+17"),
-              Q(Float(1.9999999999999998), "2"), Q(Float(1.0000000000000044), "1"),
-              Q(Float(9.9999999999999982), "10"), Q(Float(-2.5), "-2.5"), Q(Float(-3.0), "-"),
-              Q(Float(-123.0), "-12"), Q(Float(std::nan("")), "nan"), Q(Float(-HUGE_VAL), "-inf"));
+  Walk(Q(Float(-0.0), "0"), Q(Float(0.1), "0.1"), Q(Float(0.00125), "0.00125"),
+       Q(Float(1e-6), "0.000001"), Q(Float(1e-7), "1.e-07"), Q(Float(1.5e-7), "1.5e-07"),
+       Q(Float(1234.5), "1234.5"), Q(Float(100.0), "100"), Q(Float(2.0 / 3), "0.666666666666667"),
+       Q(Float(1e15), "1000000000000000"), Q(Float(1e16), "1.e+16"), Q(Float(1e100), "1.e+100"),
+       Q(Float(1e-100), "1.e-100"), Q(Float(123456789012345678.0), "1.23456789012346e+17"),
+       Q(Float(1.9999999999999998), "2"), Q(Float(1.0000000000000044), "1"),
+       Q(Float(9.9999999999999982), "10"), Q(Float(-2.5), "-2.5"), Q(Float(-3.0), "-"),
+       Q(Float(-123.0), "-12"), Q(Float(std::nan("")), "nan"), Q(Float(-HUGE_VAL), "-inf"));
   // [+-] (digits [. digits] | . digits) [(e|E) [+-] digits], then the end or white space.
   for (const char* yes : {"-1.5e+3", ".5", "7\tx", "12 abc", "1E5"})
     EXPECT_TRUE(Str(yes).IsNumber()) << yes;
@@ -117,19 +116,18 @@ TEST(Str, NumberText) {
 TEST(Str, ComparisonAndSearch) {
   Str abc("abc"), dir("phd_dir"), e, s("abcb"), bNul;
   bNul.Copy("b\0", 2);
-  ExpectFacts(
-      Q(dir.Compare("phd"), true), Q(dir.Compare('p'), true), Q(abc.Compare("c", 2), true),
-      Q(abc.Compare(Str("cd"), 2), false), Q(abc.Compare('b', 1), true),
-      Q(Str("/x/edit_dir/").CompareRight("edit_dir/"), true), Q(abc.CompareRight(Str("bc")), true),
-      Q(abc.CompareRight(Str("abc")), false), Q(Str("dir/").CompareRight("dir/"), false),
-      Q(abc.CompareRight('c'), true), Q(e.CompareRight('\0'), false),
-      Q(abc.Equals(Str("abc")), true), Q(abc.Equals(Str("abd")), false), Q(abc < Str("abd"), true),
-      Q(abc < abc, false), Q(abc.IsLessThan(&dir), true), Q(dir.IsGreaterThan(&abc), true),
-      Q(abc.IsGreaterThan(&abc), false), Q(dir.Contains("_"), true), Q(dir.Contains(""), false),
-      Q(dir.Contains('_'), true), Q(dir.Contains('\0'), false), Q(Str("hd").IsIn("phd"), true),
-      Q(s.Find("b"), 1L), Q(s.Find(""), 0L), Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L),
-      Q(Str("ab").Find(bNul), -1L), Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L),
-      Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L), Q(s.FindRight('b'), 3L));
+  Walk(Q(dir.Compare("phd"), true), Q(dir.Compare('p'), true), Q(abc.Compare("c", 2), true),
+       Q(abc.Compare(Str("cd"), 2), false), Q(abc.Compare('b', 1), true),
+       Q(Str("/x/edit_dir/").CompareRight("edit_dir/"), true), Q(abc.CompareRight(Str("bc")), true),
+       Q(abc.CompareRight(Str("abc")), false), Q(Str("dir/").CompareRight("dir/"), false),
+       Q(abc.CompareRight('c'), true), Q(e.CompareRight('\0'), false),
+       Q(abc.Equals(Str("abc")), true), Q(abc.Equals(Str("abd")), false), Q(abc < Str("abd"), true),
+       Q(abc < abc, false), Q(abc.IsLessThan(&dir), true), Q(dir.IsGreaterThan(&abc), true),
+       Q(abc.IsGreaterThan(&abc), false), Q(dir.Contains("_"), true), Q(dir.Contains(""), false),
+       Q(dir.Contains('_'), true), Q(dir.Contains('\0'), false), Q(Str("hd").IsIn("phd"), true),
+       Q(s.Find("b"), 1L), Q(s.Find(""), 0L), Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L),
+       Q(Str("ab").Find(bNul), -1L), Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L),
+       Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L), Q(s.FindRight('b'), 3L));
   EXPECT_THROW(abc.Compare("a", 3), const char*);
   EXPECT_THROW(e.Compare("", 0), const char*);  // a position test on "" always throws
   long pos = 0;
@@ -170,10 +168,9 @@ TEST(Str, Editing) {
               EDIT(s.Fill('-', 5), "-----/10"), EDIT(s.Fill('x', -1), kInvalid));
   const Str x("abcdef");
   char dest[8] = "#######";
-  ExpectFacts(Q(Str("a\n").HasLineEnd(), true), Q(Str("a\nb").HasLineEnd(), false),
-              Q(std::unique_ptr<char[]>(x.CopyToChar(2L)).get(), "ab"),
-              Q("x/" + Str("ab"), "x/ab/5"),
-              Q(std::unique_ptr<char[]>(x.CopyToChar(4L, 0L)).get(), "ef"));
+  Walk(Q(Str("a\n").HasLineEnd(), true), Q(Str("a\nb").HasLineEnd(), false),
+       Q(std::unique_ptr<char[]>(x.CopyToChar(2L)).get(), "ab"), Q("x/" + Str("ab"), "x/ab/5"),
+       Q(std::unique_ptr<char[]>(x.CopyToChar(4L, 0L)).get(), "ef"));
   EXPECT_EQ(x.StringCopy(dest + 3, 9, 4L, true), dest + 5);  // with a terminator: where it is
   EXPECT_EQ(x.StringCopy(dest, 0, 3L, false), dest);         // without one: dest itself
   EXPECT_STREQ(dest, "defef");
@@ -184,19 +181,19 @@ TEST(Str, Editing) {
 // an "A" column lines up the points of doubles (integers ignore it), and past the field's end
 // the value ends there instead. AppendField places the value as if the whole text were the field.
 TEST(Str, Fields) {
-  ExpectFacts(Q(Field("ab", 5, "JR"), "   ab"), Q(Field("ab", 6, "F*JC"), "**ab**"),
-              Q(Field("ab", 5, "A3P1RS"), "ab   "), Q(Field("abcdef", 3, "JR"), "abcdef"),
-              Q(Field('x', 4, "JCF."), "..x."), Q(Field(-42L, 6, "JRF0"), "-00042"),
-              Q(Field(-42L, 6, "JR"), "   -42"), Q(Field(7L, 4, "S"), "+7  "),
-              Q(Field(42L, 6, "F0"), "42.000"), Q(Field(7L, 4, "A5JC"), "  7 "),
-              Q(Field(7L, 4, "jr s"), "7   "), Q(Field(2.675, 0, "P2"), "2.67"),
-              Q(Field(2.675, 0, "P2R"), "2.68"), Q(Field(1.044, 0, "P2R"), "1.04"),
-              Q(Field(-0.25, 0, "P1R"), "-0.3"), Q(Field(2.5, 0, "SP3"), "+2.5"),
-              Q(Field(-2.5, 7, "JRF0"), "-0002.5"), Q(Field(3.5, 8, "A4"), "   3.5  "),
-              Q(Field(12345.5, 8, "A2"), "12345.5 "), Q(Field(1.5, 4, "A10"), " 1.5"),
-              Q(Field(7L, 4, "JR", true), "ab   7"), Q(Field("xy", 4, nullptr, true), "xy    "),
-              Q(Field('x', 3, "JC", true), "abx  "), Q(Field(-4L, 3, "JRF0", true), "-b004"),
-              Q(Field(7L, 4, "A2", true), "7b    "), Q(Field(7.0, 4, "A5", true), "ab  7 "));
+  Walk(Q(Field("ab", 5, "JR"), "   ab"), Q(Field("ab", 6, "F*JC"), "**ab**"),
+       Q(Field("ab", 5, "A3P1RS"), "ab   "), Q(Field("abcdef", 3, "JR"), "abcdef"),
+       Q(Field('x', 4, "JCF."), "..x."), Q(Field(-42L, 6, "JRF0"), "-00042"),
+       Q(Field(-42L, 6, "JR"), "   -42"), Q(Field(7L, 4, "S"), "+7  "),
+       Q(Field(42L, 6, "F0"), "42.000"), Q(Field(7L, 4, "A5JC"), "  7 "),
+       Q(Field(7L, 4, "jr s"), "7   "), Q(Field(2.675, 0, "P2"), "2.67"),
+       Q(Field(2.675, 0, "P2R"), "2.68"), Q(Field(1.044, 0, "P2R"), "1.04"),
+       Q(Field(-0.25, 0, "P1R"), "-0.3"), Q(Field(2.5, 0, "SP3"), "+2.5"),
+       Q(Field(-2.5, 7, "JRF0"), "-0002.5"), Q(Field(3.5, 8, "A4"), "   3.5  "),
+       Q(Field(12345.5, 8, "A2"), "12345.5 "), Q(Field(1.5, 4, "A10"), " 1.5"),
+       Q(Field(7L, 4, "JR", true), "ab   7"), Q(Field("xy", 4, nullptr, true), "xy    "),
+       Q(Field('x', 3, "JC", true), "abx  "), Q(Field(-4L, 3, "JRF0", true), "-b004"),
+       Q(Field(7L, 4, "A2", true), "7b    "), Q(Field(7.0, 4, "A5", true), "ab  7 "));
   ExpectEdits("ab", EDIT(s.CopyField(&s, 5, "JR"), "   ab/6"),
               EDIT(s.Clear(); s.AppendField(42L, 3, "JR"); s.AppendField(s, 4, "JR"), " 42  42/14"),
               EDIT(s.Justify(5, true), "   ab/6"), EDIT(s.Justify(5, false), "ab   /6"),
@@ -210,7 +207,6 @@ TEST(Str, HexadecimalText) {
   ExpectEdits("", EDIT(s.HexToString(255, 4, true), "0x00FF/7"),
               EDIT(s.HexToString(-17, 0, false), "FF/3"),
               EDIT(s.HexToString(LONG_MIN, 1, true), "0x8000000000000000/19"));
-  ExpectFacts(Q(Str("0x1f").ToHex(), 31L), Q(Str("0X1F").ToHex(), 0L),
-              Q(Str("ff zz").ToHex(), 255L), Q(Str("AbC").ToHex(), 2748L),
-              Q(Str("F0").ToHex(), 240L));
+  Walk(Q(Str("0x1f").ToHex(), 31L), Q(Str("0X1F").ToHex(), 0L), Q(Str("ff zz").ToHex(), 255L),
+       Q(Str("AbC").ToHex(), 2748L), Q(Str("F0").ToHex(), 240L));
 }

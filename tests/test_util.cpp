@@ -1,7 +1,6 @@
 #include "test_util.h"
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -37,30 +36,6 @@ int FileMode(const std::string& path) {
 void MakeDir(const std::string& path, unsigned mode) {
   mkdir(path.c_str(), 0700);
   chmod(path.c_str(), mode);
-}
-
-static std::string Quoted(const std::string& text) {
-  std::string quoted = "'";
-  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-// A shell starts the program with exec, so that its status is the program's own; the streams go
-// into files rather than pipes, so that the program never waits for the test.
-RunResult RunProgram(const std::vector<std::string>& args, const std::string& directory,
-                     const std::vector<std::string>& env) {
-  const TempDir capture;
-  std::string command = "cd " + Quoted(directory) + " && umask 002";
-  for (const std::string& e : env)
-    command += (e.find('=') == e.npos ? "; unset " : "; export ") + Quoted(e);
-  command += "; exec " + Quoted(SYNTHCALL_BINARY);
-  for (const std::string& a : args) command += " " + Quoted(a);
-  command += " </dev/null >" + Quoted(capture / "out") + " 2>" + Quoted(capture / "err");
-  const int status = std::system(command.c_str());
-  RunResult result{ReadFile(capture / "out"), ReadFile(capture / "err")};
-  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
-  return result;
 }
 
 // `bytes` bytes of `value`, most significant first.

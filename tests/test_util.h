@@ -1,6 +1,6 @@
-// What the tests share: a scoped temporary directory and whole files, the program run as a
-// process, a plain model of the chromatogram files, and rows of facts and walks named by their
-// own code, so that a failure says which case failed.
+// What the tests share: a scoped temporary directory and whole files, a plain model of the
+// chromatogram files, and rows of facts and walks named by their own code, so that a failure says
+// which case failed.
 #ifndef SYNTHCALL_TESTS_TEST_UTIL_H
 #define SYNTHCALL_TESTS_TEST_UTIL_H
 
@@ -28,18 +28,6 @@ void WriteFile(const std::string& path, const std::string& bytes);
 int FileMode(const std::string& path);  // permission bits, e.g. 0664
 void MakeDir(const std::string& path, unsigned mode = 0775);
 
-struct RunResult {
-  std::string out, err;
-  int status = -1;  // exit code, or -1 when killed by a signal
-  int signal = 0;   // the signal that ended the process, if any
-};
-
-// Runs the synthcall binary with `args` (argv[1]...) in `directory`, with the test's own
-// environment but each "NAME=value" of `env` set and each bare "NAME" removed. Standard input is
-// /dev/null; the umask is 002.
-RunResult RunProgram(const std::vector<std::string>& args, const std::string& directory,
-                     const std::vector<std::string>& env = {});
-
 // The chromatogram of a clean sequence, drawn the plain way: the whole trace into arrays, one
 // 13-point peak per base at a moving cursor, then the file laid out field by field. It shares no
 // code or table with the streaming writers, so a slip in their precomputed slots shows up as a
@@ -59,20 +47,6 @@ std::string Shown(const T& value) {  // texts, characters, numbers
 inline std::string Text(const Str& s) { return std::string(s.String(), s.Length()); }
 std::vector<std::string> Texts(SList<Str>& list);  // in order; the cursor stays where it was
 
-// Q(s.Find("b"), 1L) expects s.Find("b") to show as "1", and names the fact by its code. The
-// facts of one ExpectFacts are evaluated in no fixed order, so none of them may change anything.
-struct Fact {
-  const char* code;
-  std::string got, want;
-};
-#define Q(expression, want) \
-  Fact { #expression, Shown(expression), Shown(want) }
-
-template <class... Facts>
-void ExpectFacts(const Facts&... facts) {
-  for (const Fact& f : {facts...}) EXPECT_EQ(f.got, f.want) << f.code;
-}
-
 // A walk: steps taken in order on objects in the test's scope, each named by its own code and
 // held to the answer it must give; a DO step answers nothing.
 struct Step {
@@ -89,5 +63,9 @@ template <class... Steps>
 void Walk(const Steps&... steps) {
   for (const Step& step : {steps...}) EXPECT_EQ(step.run(), step.want) << step.code;
 }
+
+// Q(s.Find("b"), 1L) expects s.Find("b") to show as "1", and names the fact by its code: a step
+// that changes nothing, so that a walk of facts may hold them in any order.
+#define Q(expression, want) STEP(expression, want)
 
 #endif  // SYNTHCALL_TESTS_TEST_UTIL_H
