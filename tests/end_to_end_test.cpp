@@ -3,7 +3,6 @@
 // output and error, the status, every file's bytes (TIME masked) and mode are compared, and no
 // other file may appear.
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <tuple>
 
 #include "test_util.h"
 
@@ -33,11 +33,11 @@ std::string Quoted(const std::string& text) {
 }
 
 // A temporary directory holding edit_dir/ and, below `tree`, the three output directories. Run
-// starts the program in `dir` with PWD naming it and the umask 002, with the test's environment
-// but each "NAME=value" of `env` set and each bare "NAME" removed, and notes the clock's seconds
-// at the start and the end. A shell starts the program with exec, so that its status is the
-// program's own; the streams go into files rather than pipes, so that the program never waits
-// for the test.
+// starts the program in `dir` with PWD naming it, the umask 002 and no core dumps, with the test's
+// environment but each "NAME=value" of `env` set and each bare "NAME" removed, and notes the
+// clock's seconds at the start and the end. A shell starts the program with exec, so that its
+// status is the program's own; the streams go into files rather than pipes, so that the program
+// never waits for the test.
 struct Project : TempDir {
   explicit Project(const std::string& tree = "") {
     MakeDir(*this / "edit_dir");
@@ -46,8 +46,8 @@ struct Project : TempDir {
   }
   RunResult Run(const std::string& dir, const Args& args, const Args& env = {}) {
     const TempDir capture;
-    std::string command =
-        "cd " + Quoted(*this / dir) + " && umask 002; export PWD=" + Quoted(*this / dir);
+    std::string command = "cd " + Quoted(*this / dir) +
+                          " && umask 002 && ulimit -c 0; export PWD=" + Quoted(*this / dir);
     for (const std::string& e : env)
       command += (e.find('=') == e.npos ? "; unset " : "; export ") + Quoted(e);
     command += "; exec " + Quoted(SYNTHCALL_BINARY);
@@ -227,13 +227,8 @@ TEST(EndToEnd, OptionsAndInputs) {
   Args many(400, "-abi");  // far beyond the 1024 characters the joined text has room for
   many.insert(many.end(), {"-q", "33"});
   const std::string s1 = kRecords[0].clean;
-  struct Case {
-    std::string input;
-    Args options;
-    Layout at;
-    std::vector<Record> records;
-  };
-  std::vector<Case> cases = {
+  // The input, the options after its name, how the files come out and the records they hold.
+  std::vector<std::tuple<std::string, Args, Layout, std::vector<Record>>> cases = {
       {kReads, {"-r"}, {"59", false, true}, {{"s1.REF", s1}}},
       {kReads, {"-r", "_ref", "-abi"}, {"59", true, true}, {{"s1_ref", s1}}},
       {kReads, {"-abi", "-r", "-q", "07"}, {"07", true, true}, {{"s1.REF", s1}}},
@@ -250,14 +245,13 @@ TEST(EndToEnd, OptionsAndInputs) {
       {">r\nA\n>q\nG\n>r\nC\n>r\nT\n", {}, {}, {{"r", "A"}, {"q", "G"}, {"r", "C"}, {"r", "T"}}}};
   for (const std::string& q : Args{"0", "5.9", std::string(300, '0') + "42"})
     cases.push_back({kReads, {"-q", q}, {q}, kRecords});
-  for (const Case& c : cases) {
-    SCOPED_TRACE(::testing::PrintToString(c.options).substr(0, 60) + " on " +
-                 c.input.substr(0, 30));
+  for (const auto& [input, options, at, records] : cases) {
+    SCOPED_TRACE(::testing::PrintToString(options).substr(0, 60) + " on " + input.substr(0, 30));
     Project project;
-    WriteFile(project / "edit_dir/in.fa", c.input);
+    WriteFile(project / "edit_dir/in.fa", input);
     Args args = {"in.fa"};
-    args.insert(args.end(), c.options.begin(), c.options.end());
-    ExpectRun(project, project.Run("edit_dir", args), c.at, c.records, {"edit_dir/in.fa"});
+    args.insert(args.end(), options.begin(), options.end());
+    ExpectRun(project, project.Run("edit_dir", args), at, records, {"edit_dir/in.fa"});
   }
 }
 
@@ -267,8 +261,6 @@ TEST(EndToEnd, OptionsAndInputs) {
 // uncaught exception.
 TEST(EndToEnd, RunsThatWriteNoFile) {
   const std::string kUncaught = "terminate called after throwing an instance of 'int'\n";
-  struct rlimit noCore = {0, 0};
-  setrlimit(RLIMIT_CORE, &noCore);
   // The arguments, poly_dir's mode (0: missing) and the environment.
   // clang-format off
   const std::tuple<Args, unsigned, Args> cases[] = {

@@ -37,6 +37,7 @@ TEST(Parser, ReadingPieces) {
        Q(Pieces("abc defgh", READ(p.WordWrap(t, 5))), "[abc ][defgh]"),
        Q(Pieces("abc   de", READ(p.WordWrap(t, 3))), "[abc   ][de]"),  // the whole run of blanks
        Q(Pieces("ab\ncd ef\n\ngh", READ(p.WordWrap(t, 5))), "[ab\n][cd ef\n][\n][gh]"),
+       Q(Pieces("abcde\n\nf", READ(p.WordWrap(t, 5))), "[abcde\n][\n][f]"),
        Q(Pieces("ab", READ(p.WordWrap(t, 0))), "[a][b]"));  // a width below 1 still moves on
   // No characters are no characters; a target grows to twice a piece that does not fit.
   Str abcd("abcd"), none("x"), small(3L), exact(4L);

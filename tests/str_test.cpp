@@ -116,18 +116,23 @@ TEST(Str, NumberText) {
 TEST(Str, ComparisonAndSearch) {
   Str abc("abc"), dir("phd_dir"), e, s("abcb"), bNul;
   bNul.Copy("b\0", 2);
-  Walk(Q(dir.Compare("phd"), true), Q(dir.Compare('p'), true), Q(abc.Compare("c", 2), true),
-       Q(abc.Compare(Str("cd"), 2), false), Q(abc.Compare('b', 1), true),
-       Q(Str("/x/edit_dir/").CompareRight("edit_dir/"), true), Q(abc.CompareRight(Str("bc")), true),
+  Walk(Q(dir.Compare("phd"), true), Q(dir.Compare(""), true),
+       Q(dir.Compare(Str("phd_dir/x")), false), Q(dir.Compare('p'), true),
+       Q(abc.Compare("c", 2), true), Q(abc.Compare(Str("cd"), 2), false),
+       Q(abc.Compare('b', 1), true), Q(Str("/x/edit_dir/").CompareRight("edit_dir/"), true),
+       Q(abc.CompareRight(Str("bc")), true), Q(abc.CompareRight(""), true),
        Q(abc.CompareRight(Str("abc")), false), Q(Str("dir/").CompareRight("dir/"), false),
        Q(abc.CompareRight('c'), true), Q(e.CompareRight('\0'), false),
        Q(abc.Equals(Str("abc")), true), Q(abc.Equals(Str("abd")), false), Q(abc < Str("abd"), true),
        Q(abc < abc, false), Q(abc.IsLessThan(&dir), true), Q(dir.IsGreaterThan(&abc), true),
-       Q(abc.IsGreaterThan(&abc), false), Q(dir.Contains("_"), true), Q(dir.Contains(""), false),
-       Q(dir.Contains('_'), true), Q(dir.Contains('\0'), false), Q(Str("hd").IsIn("phd"), true),
-       Q(s.Find("b"), 1L), Q(s.Find(""), 0L), Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L),
-       Q(Str("ab").Find(bNul), -1L), Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L),
-       Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L), Q(s.FindRight('b'), 3L));
+       Q(abc.IsGreaterThan(&abc), false), Q(dir.Contains("_"), true),
+       Q(dir.Contains(Str("_d")), true), Q(dir.Contains(""), false), Q(dir.Contains('_'), true),
+       Q(dir.Contains('\0'), false), Q(Str("hd").IsIn("phd"), true), Q(dir.IsIn("phd"), false),
+       Q(s.Find("b"), 1L), Q(s.Find(""), 0L), Q(s.Find(Str("cb")), 2L), Q(s.Find("abcbx"), -1L),
+       Q(s.Find('\0'), 4L), Q(s.Find('x'), -1L), Q(Str("ab").Find(bNul), -1L),
+       Q(s.FindRight("b"), 3L), Q(s.FindRight(Str("ab")), 0L), Q(s.FindRight(Str("b")), 3L),
+       Q(s.FindRight("abcbx"), -1L), Q(s.FindRight(""), 3L), Q(e.FindRight(""), -1L),
+       Q(s.FindRight('b'), 3L));
   EXPECT_THROW(abc.Compare("a", 3), const char*);
   EXPECT_THROW(e.Compare("", 0), const char*);  // a position test on "" always throws
   long pos = 0;
@@ -149,8 +154,9 @@ TEST(Str, Editing) {
       "abc", EDIT(s.CopyLeft("xyz", 0), "xyz/4"), EDIT(s.CopyRight(Str("wxyz"), 2), "yz/4"),
       EDIT(s.CopyMid(Str("xyz"), 1, 0), "/4"), EDIT(s.CopyMid(s, 1, 2), "bc/4"),
       EDIT(s.CopyEnd("xyz", 1), "yz/4"), EDIT(s.CopyMid("xy", 3, 1), kRange),
-      EDIT(s.CopyMid("xy", 9, -1), kInvalid), EDIT(s.Append(Str("xyz"), 1, 0), "abcyz/10"),
-      EDIT(s.Append("xyz", 2, 7), "abcz/8"), EDIT(s.Append(Str("xyz"), 3, 1), kRange),
+      EDIT(s.CopyMid("xy", 9, -1), kInvalid), EDIT(s.Append("xyz", 2), "abcxy/10"),
+      EDIT(s.Append(Str("xyz"), 1, 0), "abcyz/10"), EDIT(s.Append("xyz", 2, 7), "abcz/8"),
+      EDIT(s.Append(Str("xyz"), 3, 1), kRange),
       EDIT(s.AppendLine(2.5); s.AppendLine(), "abc2.5\n\n/14"), EDIT(s.Insert('-', 3), "abc-/8"),
       EDIT(s.Insert(Str("XY"), 1), "aXYbc/10"), EDIT(s.InsertLeft('-'), "-abc/8"),
       EDIT(s.SetLength(9); s.Insert(s.String() + 1, 0), "bcabc/10"), EDIT(s.Insert('-', 4), kRange),
