@@ -5,10 +5,10 @@ Both floors write the very chromat_dir/, phd_dir/ and poly_dir/ that synthcall h
 into a fresh directory: the same files and the same bytes, by programs that compute nothing.
 `cp -r` reads every file and writes it again. The write floor (write_floor.cpp) holds every byte in
 memory (mapped) before its clock starts and writes each file with one open, writes of 256 KiB and
-one close: the least any program can spend on putting these files on disk. Runs alternate (synthcall, copy, write
-floor, synthcall, ...) and each case reports the median of the per-run ratios, so that a slow
-moment of a shared machine lands on one run instead of on one side. Everything happens on tmpfs,
-so the numbers are CPU and memory bandwidth, not disk.
+one close: the least any program can spend on putting these files on disk. Runs alternate
+(synthcall, copy, write floor, synthcall, ...) and each case reports the median of the per-run
+ratios, so that a slow moment of a shared machine lands on one run instead of on one side.
+Everything happens on tmpfs, so the numbers are CPU and memory bandwidth, not disk.
 
 Times are given twice: wall-clock, and processor time (user + system), which other processes on a
 busy machine disturb less.

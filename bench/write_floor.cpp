@@ -59,13 +59,15 @@ bool Write(const File& file) {
   constexpr size_t kPiece = 256 * 1024;
   const int fd = open(file.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0664);
   if (fd < 0) return false;
-  bool written = true;
-  for (size_t done = 0; written && done < file.size;) {
+  for (size_t done = 0; done < file.size;) {
     const ssize_t n = write(fd, file.bytes + done, std::min(kPiece, file.size - done));
-    written = n > 0;
-    done += written ? static_cast<size_t>(n) : 0;
+    if (n <= 0) {
+      close(fd);
+      return false;
+    }
+    done += static_cast<size_t>(n);
   }
-  return close(fd) == 0 && written;
+  return close(fd) == 0;
 }
 
 double ProcessorSeconds() {
